@@ -1,0 +1,50 @@
+#include "common/Environment.h"
+
+#include <algorithm>
+#include <set>
+
+extern "C" char** environ;  // NOLINT(readability-redundant-declaration): POSIX declares it nowhere
+
+namespace veltrix {
+namespace {
+
+std::string upperCased(std::string_view name) {
+    std::string upper(name);
+    std::transform(upper.begin(), upper.end(), upper.begin(), [](char letter) {
+        return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
+    });
+    return upper;
+}
+
+bool isListed(std::string_view name, std::span<const std::string_view> allowlist) {
+    return std::find(allowlist.begin(), allowlist.end(), upperCased(name)) != allowlist.end();
+}
+
+}  // namespace
+
+std::vector<std::string> processEnvironment() {
+    std::vector<std::string> entries;
+    for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
+        entries.emplace_back(*entry);
+    }
+    return entries;
+}
+
+std::vector<std::string> filterEnvironment(const std::vector<std::string>& entries,
+                                           std::span<const std::string_view> allowlist) {
+    std::vector<std::string> kept;
+    std::set<std::string_view> seen;
+    for (const std::string& entry : entries) {
+        const std::size_t end = entry.find('=');
+        if (end == std::string::npos) {
+            continue;
+        }
+        const std::string_view name = std::string_view(entry).substr(0, end);
+        if (isListed(name, allowlist) && seen.insert(name).second) {
+            kept.push_back(entry);
+        }
+    }
+    return kept;
+}
+
+}  // namespace veltrix
