@@ -1,0 +1,18 @@
+// A home of the test program's own: its user defaults, library folder and runtime folder lie in a
+// temporary folder, and it shares no daemon with another program. To be made before the first use
+// of Foundation, which looks at these once.
+#pragma once
+
+#include "support/TempFolder.h"
+
+namespace veltrix::test {
+
+class IsolatedHome {
+  public:
+    IsolatedHome();
+
+  private:
+    TempFolder folder_;
+};
+
+}  // namespace veltrix::test

@@ -1,0 +1,13 @@
+// Answering an open panel from outside: GNUstep's is a window like any other.
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+namespace veltrix::test {
+
+// Selects the file or folder and presses "OK"; false if the panel does not let one choose it.
+bool chooseInOpenPanel(NSWindow* panel, NSString* path);
+
+bool cancelOpenPanel(NSWindow* panel);
+
+}  // namespace veltrix::test
