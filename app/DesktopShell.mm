@@ -7,6 +7,23 @@
 #include "common/Text.h"
 
 namespace veltrix {
+namespace {
+
+// Lets Escape press `button`. AppKit gives the key to a second button called "Cancel" only: a
+// first one has Return, and a button can have one key. So a button without a size has the other.
+void answerEscape(NSAlert* alert, NSButton* button) {
+    [alert layout];
+    const RetainPtr<NSButton> escape = adoptNS([[NSButton alloc] initWithFrame:NSZeroRect]);
+    [escape setTransparent:YES];
+    [escape setRefusesFirstResponder:YES];
+    [escape setAccessibilityElement:NO];
+    [escape setKeyEquivalent:@"\033"];
+    [escape setTarget:button];
+    [escape setAction:@selector(performClick:)];
+    [[[alert window] contentView] addSubview:escape];
+}
+
+}  // namespace
 
 FieldTexts DesktopShell::fields() const {
     return {typedText([app_ home]), typedText([app_ node]), typedText([app_ storage]),
@@ -53,8 +70,9 @@ bool DesktopShell::confirm(const Confirmation& confirmation) {
     const RetainPtr<NSAlert> alert = adoptNS([[NSAlert alloc] init]);
     [alert setMessageText:toNSString(confirmation.message)];
     [alert setInformativeText:toNSString(confirmation.information)];
-    [alert addButtonWithTitle:toNSString(confirmation.safeButton)];
+    NSButton* const safe = [alert addButtonWithTitle:toNSString(confirmation.safeButton)];
     [alert addButtonWithTitle:toNSString(confirmation.proceedButton)];
+    answerEscape(alert, safe);
     // A command from the menu bar finds the application inactive; the question needs the keyboard.
     [NSApp activateIgnoringOtherApps:YES];
     return [alert runModal] == NSAlertSecondButtonReturn;

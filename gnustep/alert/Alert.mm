@@ -4,9 +4,23 @@
 
 #include "common/RetainPtr.h"
 #include "gnustep/alert/AlertPanel.h"
+#include "gnustep/runtime/Immortal.h"
+#include "gnustep/runtime/SideTable.h"
 
 using veltrix::adoptNS;
 using veltrix::RetainPtr;
+
+namespace {
+
+// The window of every alert that has one: from its layout to its answer.
+using Panels = veltrix::gnustep::SideTable<RetainPtr<VeltrixAlertPanel>>;
+
+Panels& panels() {
+    static veltrix::gnustep::Immortal<Panels> table;
+    return *table;
+}
+
+}  // namespace
 
 @implementation NSAlert (Supply)
 
@@ -19,18 +33,26 @@ using veltrix::RetainPtr;
     return button;
 }
 
-- (NSInteger)runModal {
+- (void)layout {
     if ([_buttons count] == 0)
         [self addButtonWithTitle:@"OK"];
-    const RetainPtr<VeltrixAlertPanel> panel =
-        adoptNS([[VeltrixAlertPanel alloc] initWithMessage:_message_text
-                                                      text:_informative_text
-                                                   buttons:_buttons]);
-    _window = panel;
+    panels()[self] = adoptNS([[VeltrixAlertPanel alloc] initWithMessage:_message_text
+                                                                   text:_informative_text
+                                                                buttons:_buttons]);
+}
+
+- (id)window {
+    if (panels().find(self) == nullptr)
+        [self layout];
+    return panels()[self];
+}
+
+- (NSInteger)runModal {
+    const RetainPtr<VeltrixAlertPanel> panel = [self window];
     [NSApp activateIgnoringOtherApps:YES];
     const NSInteger answer = [NSApp runModalForWindow:panel];
     [panel orderOut:nil];
-    _window = nil;
+    panels().forget(self);
     return answer;
 }
 

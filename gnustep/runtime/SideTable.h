@@ -1,6 +1,6 @@
 // Additional state of objects whose classes belong to the library: GCC's runtime has no associated
 // objects. A row lives until its object is deallocated, which works for views, windows, menu items,
-// images and layout anchors (SideTable.mm wraps their -dealloc). Main thread only.
+// images, layout anchors and alerts (SideTable.mm wraps their -dealloc). Main thread only.
 #pragma once
 
 #import <Foundation/Foundation.h>

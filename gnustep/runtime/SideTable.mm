@@ -56,6 +56,7 @@ void installSideTables() {
     observeDeallocation<NSMenuItem>();
     observeDeallocation<NSImage>();
     observeDeallocation<NSLayoutAnchor>();
+    observeDeallocation<NSAlert>();
 }
 
 }  // namespace veltrix::gnustep

@@ -73,6 +73,29 @@ TEST_F(AlertTest, EscapeIsNothingWithoutAButtonThatCancels) {
               NSAlertFirstButtonReturn);
 }
 
+TEST_F(AlertTest, RunsTheWindowThatItsLayoutMade) {
+    addButtons(@"Keep", @"Stop");
+    [alert layout];
+    NSWindow* const laidOut = [alert window];
+    ASSERT_NE(laidOut, nil);
+    EXPECT_EQ([alert window], laidOut);
+    const RetainPtr<NSTextField> note = [NSTextField labelWithString:@"Added"];
+    [[laidOut contentView] addSubview:note];
+    EXPECT_EQ(answer([](NSWindow* window) {
+                  EXPECT_TRUE(labelSaying(window, @"Added"));
+                  pressButtonTitled(window, @"Stop");
+              }),
+              NSAlertSecondButtonReturn);
+}
+
+TEST_F(AlertTest, LayoutTakesInWhatWasAddedSince) {
+    [alert layout];
+    EXPECT_TRUE(buttonTitled([alert window], @"OK"));
+    addButtons(@"Keep", @"Stop");
+    [alert layout];
+    EXPECT_TRUE(buttonTitled([alert window], @"Stop"));
+}
+
 TEST_F(AlertTest, TheFirstButtonStandsAtTheRight) {
     addButtons(@"Cancel", @"Stop");
     answer([](NSWindow* window) {

@@ -1,6 +1,7 @@
 // Convenience constructors and accessors of labels, fields, buttons, images and fonts.
 #pragma once
 
+#import <AppKit/NSAlert.h>
 #import <AppKit/NSButton.h>
 #import <AppKit/NSFont.h>
 #import <AppKit/NSImage.h>
@@ -44,6 +45,11 @@
                          target:(id)target
                          action:(SEL)action;
 + (instancetype)checkboxWithTitle:(NSString*)title target:(id)target action:(SEL)action;
+@end
+
+@interface NSAlert (LayoutSupply)
+// Makes the alert's window, which can then be asked for and added to before the alert runs.
+- (void)layout;
 @end
 
 @interface NSImage (SymbolSupply)
