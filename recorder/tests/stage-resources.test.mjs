@@ -50,6 +50,17 @@ test("a linked runtime is copied, not linked", () => {
   assert.equal(fs.lstatSync(runtime).isFile(), true);
 });
 
+test("the licence of a runtime goes where the runtime goes", () => {
+  const folder = temporaryFolder();
+  fs.mkdirSync(path.join(folder, "bin"));
+  fs.copyFileSync(kNode, path.join(folder, "bin", "node"));
+  fs.writeFileSync(path.join(folder, "LICENSE"), "terms");
+  const resources = path.join(folder, "Resources");
+  assert.equal(stage(resources, path.join(folder, "bin", "node"), "1.0.0").status, 0);
+  const license = path.join(resources, "bundle", "runtime", "LICENSE");
+  assert.equal(fs.readFileSync(license, "utf8"), "terms");
+});
+
 test("wrong arguments are refused and touch nothing", () => {
   const resources = temporaryFolder();
   for (const words of [
