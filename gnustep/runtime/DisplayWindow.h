@@ -1,3 +1,4 @@
+// The number by which the X server knows a window. Main thread only.
 #pragma once
 
 #import <AppKit/AppKit.h>
