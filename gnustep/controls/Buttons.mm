@@ -38,8 +38,23 @@ using veltrix::RetainPtr;
     [button setButtonType:NSButtonTypeSwitch];
     [button setBordered:NO];
     [button setImagePosition:NSImageLeading];
+    [[button cell] setImageDimsWhenDisabled:YES];
     [button setAlignment:NSTextAlignmentLeft];
     return button;
+}
+
+@end
+
+@implementation NSButton (Tracking)
+
+// The library shows a button as pressed until its action has returned, which for one that runs a
+// modal session is much later than the press.
+- (BOOL)sendAction:(SEL)action to:(id)target {
+    [self highlight:NO];
+    [self setNeedsDisplay:YES];
+    [[self window] displayIfNeeded];
+    [[self window] flushWindow];
+    return [super sendAction:action to:target];
 }
 
 @end

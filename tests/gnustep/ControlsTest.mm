@@ -38,6 +38,11 @@ RetainPtr<NSWindow> windowWith(NSView* view) {
     return window;
 }
 
+TEST(CheckBoxes, LookDisabledWhenTheyAre) {
+    NSButton* const box = [NSButton checkboxWithTitle:@"Agree" target:nil action:nil];
+    EXPECT_TRUE((bool)[[box cell] imageDimsWhenDisabled]);
+}
+
 TEST(Labels, AreNeitherEditableNorFramed) {
     NSTextField* const label = [NSTextField labelWithString:@"Name"];
     EXPECT_TRUE([[label stringValue] isEqualToString:@"Name"]);
