@@ -44,3 +44,16 @@ END
 debian_packages_for_macos_check() {
   printf '%s\n' llvm-14 libxml2-utils zip
 }
+
+# Needed by scripts/bench alone: what measures, and whom the companion is measured against.
+debian_packages_for_bench() {
+  sed -e 's/#.*//' -e 's/ *$//' -e '/^$/d' <<'END'
+libbenchmark-dev         # Google Benchmark
+qt6-base-dev             # QProcess
+libboost-dev             # Boost.Process
+libboost-filesystem-dev  # which it needs
+libglib2.0-dev           # GSubprocess
+libuv1-dev               # uv_spawn
+python3                  # subprocess
+END
+}
