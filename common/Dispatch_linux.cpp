@@ -6,6 +6,7 @@
 #include "common/MainQueue_linux.h"
 
 #include <algorithm>
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -72,14 +73,22 @@ class WorkerPool {
         std::thread([this] { run(); }).detach();
     }
 
-    void submit(Work work) {
+    // Called by a worker after each piece of work, when nobody waits for it any more.
+    void setAfterWork(Work afterWork) {
         const std::lock_guard lock(mutex_);
-        pending_.push_back(std::move(work));
-        if (idle_ >= pending_.size()) {
-            wake_.notify_one();
-        } else {
-            startWorker();
+        afterWork_ = std::move(afterWork);
+    }
+
+    void submit(Work work) {
+        {
+            const std::lock_guard lock(mutex_);
+            pending_.push_back(std::move(work));
+            if (idle_ < pending_.size()) {
+                startWorker();
+                return;
+            }
         }
+        wake_.notify_one();  // who wakes up wants the lock
     }
 
   private:
@@ -112,6 +121,9 @@ class WorkerPool {
             lock.unlock();
             work();
             work = nullptr;  // what it captured goes before the lock is taken again
+            if (afterWork_) {
+                afterWork_();
+            }
             lock.lock();
         }
     }
@@ -120,10 +132,12 @@ class WorkerPool {
     std::condition_variable wake_;
     std::deque<Work> pending_;
     std::size_t idle_ = 0;
+    Work afterWork_;  // constant once there is work
 };
 
 // All delayed work of the process, sorted by due time, and the one thread that waits for the
-// earliest. It sleeps for good while there is none.
+// earliest. It sleeps for good while there is none. That a limit is called off it learns only when
+// the worker is done: woken earlier, it would stand in the way of the reply.
 class Timers {
   public:
     struct Entry {
@@ -132,17 +146,25 @@ class Timers {
     };
 
     explicit Timers(WorkerPool& pool) : pool_(pool) {
+        pool_.setAfterWork([this] {
+            if (calledOff_.exchange(false)) {
+                changed_.notify_one();
+            }
+        });
         std::thread([this] { run(); }).detach();
     }
 
     std::shared_ptr<Entry> add(std::chrono::milliseconds delay, Work work) {
         auto entry = std::make_shared<Entry>(Entry{Clock::now() + delay, std::move(work)});
-        const std::lock_guard lock(mutex_);
-        const auto later = std::upper_bound(
-            entries_.begin(), entries_.end(), entry,
-            [](const auto& left, const auto& right) { return left->due < right->due; });
-        const bool isEarliest = later == entries_.begin();
-        entries_.insert(later, entry);
+        bool isEarliest = false;
+        {
+            const std::lock_guard lock(mutex_);
+            const auto later = std::upper_bound(
+                entries_.begin(), entries_.end(), entry,
+                [](const auto& left, const auto& right) { return left->due < right->due; });
+            isEarliest = later == entries_.begin();
+            entries_.insert(later, entry);
+        }
         if (isEarliest) {
             changed_.notify_one();
         }
@@ -156,7 +178,7 @@ class Timers {
         const auto found = std::find(entries_.begin(), entries_.end(), entry);
         if (found != entries_.end()) {
             entries_.erase(found);
-            changed_.notify_one();
+            calledOff_ = true;
         }
     }
 
@@ -180,6 +202,7 @@ class Timers {
     std::mutex mutex_;
     std::condition_variable changed_;
     std::vector<std::shared_ptr<Entry>> entries_;
+    std::atomic<bool> calledOff_ = false;  // something was, and the thread may not know
 };
 
 class TimedWork final : public DelayedWork {

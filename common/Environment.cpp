@@ -8,16 +8,16 @@ extern "C" char** environ;  // NOLINT(readability-redundant-declaration): POSIX 
 namespace veltrix {
 namespace {
 
-std::string upperCased(std::string_view name) {
-    std::string upper(name);
-    std::transform(upper.begin(), upper.end(), upper.begin(), [](char letter) {
-        return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
-    });
-    return upper;
+char upperCased(char letter) {
+    return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
 }
 
 bool isListed(std::string_view name, std::span<const std::string_view> allowlist) {
-    return std::find(allowlist.begin(), allowlist.end(), upperCased(name)) != allowlist.end();
+    return std::any_of(allowlist.begin(), allowlist.end(), [name](std::string_view listed) {
+        return std::equal(
+            name.begin(), name.end(), listed.begin(), listed.end(),
+            [](char letter, char listedLetter) { return upperCased(letter) == listedLetter; });
+    });
 }
 
 }  // namespace
