@@ -36,7 +36,7 @@ const kPeers = [
 ];
 
 const start = ([command, ...rest]) => new Program(command, rest);
-const own = start([...compiled("action"), "0", "companion", "bare", "minimal"]);
+const own = start([...compiled("action"), "0", "companion", "job", "bare", "handed", "minimal"]);
 const forking = start([...compiled("action"), "0", "forked"]);
 const runLoop = isThere(built("run-loop")) ? start(compiled("run-loop")) : null;
 const peers = kPeers.map(([name, command]) => ({
@@ -55,6 +55,8 @@ const rows = [
   ["bare: posix_spawn, read, waitpid", bare],
   ["bare, without the promises to the child", own.of("minimal")],
   ["bare, fork and exec", forking.of("forked")],
+  ["bare, by another thread and back", own.of("handed")],
+  ["the companion's job, without its queues", own.of("job")],
   ["**companion**", own.of("companion")],
   ["**companion**, AppKit's run loop", runLoop?.of("companion")],
   ...peers.map(({ name, program }) => [name, program?.of("peer")]),

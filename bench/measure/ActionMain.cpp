@@ -4,6 +4,7 @@
 #include "measure/BareLaunch.h"
 #include "measure/Companion.h"
 #include "measure/Measure.h"
+#include "measure/OtherThread.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -29,8 +30,11 @@ int main(int count, char** arguments) {
     const std::vector<char> dirty(std::strtoul(all[2], nullptr, 10) * kMegabyte, 'x');
     Companion companion(all[1], plainMainLoop());
     BareLauncher bare(all[1], childArguments());
+    OtherThread other([&] { return bare.run(Launch::equal); });
     const std::vector<Way> known{{"companion", [&] { return companion.run(); }},
+                                 {"job", [&] { return companion.runJobOnly(); }},
                                  {"bare", [&] { return bare.run(Launch::equal); }},
+                                 {"handed", [&] { return other.run(); }},
                                  {"minimal", [&] { return bare.run(Launch::minimal); }},
                                  {"forked", [&] { return bare.run(Launch::forked); }}};
     std::vector<Way> wanted;

@@ -60,4 +60,10 @@ bool Companion::run() {
     return shell_.saidRunning();
 }
 
+bool Companion::runJobOnly() const {
+    const Reply reply = runActionJob({shell_.fields().node, childArguments(), std::nullopt},
+                                     processEnvironment(), systemDispatcher());
+    return isTrueMember(reply, "ok");
+}
+
 }  // namespace veltrix::bench

@@ -50,6 +50,8 @@ class Companion {
   public:
     Companion(std::string executable, ServeMainQueue serve);
     [[nodiscard]] bool run();
+    // The job alone, on the calling thread: the same without queues and handovers.
+    [[nodiscard]] bool runJobOnly() const;
 
   private:
     SilentShell shell_;
