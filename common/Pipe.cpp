@@ -43,6 +43,72 @@ ssize_t readSome(int fd, char* buffer, std::size_t size) {
     return count;
 }
 
+constexpr char kLineFeed = '\n';
+
+// Appends what is left of a line. True if there may be more of it.
+bool takeByteOfLine(int fd, std::string& line) {
+    const std::optional<char> byte = readByte(fd);
+    if (!byte || *byte == kLineFeed) {
+        return false;
+    }
+    line.push_back(*byte);
+    return true;
+}
+
+#if defined(__linux__)
+// A second pipe into which tee(2) copies what is in the first without taking it, so that a line can
+// be taken in one piece once its end has been seen.
+class LineTaker {
+  public:
+    explicit LineTaker(int fd) : fd_(fd), copy_(makePipe()) {}
+
+    // As takeByteOfLine, but all that is there, up to `most` bytes.
+    bool takePiece(std::string& line, std::size_t most) {
+        const std::string_view seen = look(std::min(most, buffer_.size()));
+        if (seen.empty()) {
+            return takeByteOfLine(fd_, line);  // no copy to be had, or the end
+        }
+        const std::size_t length = std::min(seen.find(kLineFeed), seen.size());
+        line.append(seen.substr(0, length));
+        const bool atLineFeed = length < seen.size();
+        return take(length + (atLineFeed ? 1 : 0)) && !atLineFeed;
+    }
+
+  private:
+    std::string_view look(std::size_t most) {
+        ssize_t copied = 0;
+        do {
+            copied = copy_ ? ::tee(fd_, copy_->writeEnd.get(), most, 0) : 0;
+        } while (copied < 0 && errno == EINTR);
+        if (copied <= 0 || readSome(copy_->readEnd.get(), buffer_.data(),
+                                    static_cast<std::size_t>(copied)) != copied) {
+            copy_.reset();
+            return {};
+        }
+        return {buffer_.data(), static_cast<std::size_t>(copied)};
+    }
+
+    // What was seen is there, and nobody else reads.
+    bool take(std::size_t count) {
+        return readSome(fd_, buffer_.data(), count) == static_cast<ssize_t>(count);
+    }
+
+    int fd_;
+    std::optional<Pipe> copy_;
+    std::array<char, 16384> buffer_;
+};
+#else
+// Nothing here can look into a pipe without taking what it sees.
+class LineTaker {
+  public:
+    explicit LineTaker(int fd) : fd_(fd) {}
+    bool takePiece(std::string& line, std::size_t) { return takeByteOfLine(fd_, line); }
+
+  private:
+    int fd_;
+};
+#endif
+
 }  // namespace
 
 std::optional<Pipe> makePipe() {
@@ -91,6 +157,14 @@ std::optional<char> readByte(int fd) {
         return std::nullopt;
     }
     return byte;
+}
+
+std::string readLine(int fd, std::size_t keep) {
+    std::string line;
+    LineTaker taker(fd);
+    while (line.size() < keep && taker.takePiece(line, keep - line.size())) {
+    }
+    return line;
 }
 
 }  // namespace veltrix

@@ -1,4 +1,4 @@
-// A pipe to or from a child process, and the three ways this program moves bytes through one.
+// A pipe to or from a child process, and the four ways this program moves bytes through one.
 // Owned by whoever made it; the blocking calls belong on a worker thread, never on the main one.
 //
 // Every call survives EINTR and partial transfer (read(2), write(2)). SIGPIPE is ignored from
@@ -37,5 +37,10 @@ void ignoreBrokenPipes();
 
 // Reads exactly one byte; nothing at the end of output.
 [[nodiscard]] std::optional<char> readByte(int fd);
+
+// Reads a line and its line feed, which is not returned, and never takes anything behind it out of
+// the pipe: that belongs to the next reader. A line also ends at the end of output and, with
+// whatever follows left in the pipe, after `keep` bytes.
+[[nodiscard]] std::string readLine(int fd, std::size_t keep);
 
 }  // namespace veltrix

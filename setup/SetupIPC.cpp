@@ -101,18 +101,11 @@ std::optional<Reply> SetupIPC::exchange(const std::string& action, Json::Object 
     return writeAll(input_.writeEnd.get(), *line) ? readReply() : std::nullopt;
 }
 
-// One byte a call, so that nothing behind the line feed is ever taken from a pipe that outlives
-// this request. The rest of an overlong line stays there and begins the next reply.
+// Nothing behind the line feed is ever taken from a pipe that outlives this request. The rest of an
+// overlong line stays there and begins the next reply.
 std::optional<Reply> SetupIPC::readReply() {
-    std::string line;
-    while (line.size() <= kReplyLineLimit) {
-        const std::optional<char> byte = readByte(output_.readEnd.get());
-        if (!byte || *byte == kLineFeed) {
-            return parseJsonObject(line);
-        }
-        line.push_back(*byte);
-    }
-    return std::nullopt;
+    const std::string line = readLine(output_.readEnd.get(), kReplyLineLimit + 1);
+    return line.size() <= kReplyLineLimit ? parseJsonObject(line) : std::nullopt;
 }
 
 void SetupIPC::shutDown() {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -151,6 +152,93 @@ TEST_F(PipeTest, HasNoByteWhereThereIsNoPipe) {
     EXPECT_EQ(drain(-1, 100), "");
     EXPECT_FALSE(writeAll(-1, "x"));
     EXPECT_TRUE(writeAll(-1, "")) << "nothing to write is always written";
+}
+
+// What is still in the pipe.
+std::string rest(UniqueFd& writeEnd, const UniqueFd& readEnd) {
+    writeEnd.reset();
+    return drain(readEnd.get(), 1 << 20);
+}
+
+TEST_F(PipeTest, HandsOutALineAndNothingBehindIt) {
+    write("first\nsecond\n\nrest");
+    EXPECT_EQ(readLine(readEnd.get(), 100), "first");
+    EXPECT_EQ(readLine(readEnd.get(), 100), "second");
+    EXPECT_EQ(readLine(readEnd.get(), 100), "");
+    EXPECT_EQ(rest(writeEnd, readEnd), "rest");
+}
+
+TEST_F(PipeTest, HandsOutNoMoreOfALineThanIsAskedFor) {
+    write("abcdef\nrest");
+    EXPECT_EQ(readLine(readEnd.get(), 4), "abcd");
+    EXPECT_EQ(readLine(readEnd.get(), 2), "ef");
+    EXPECT_EQ(readLine(readEnd.get(), 0), "");
+    EXPECT_EQ(rest(writeEnd, readEnd), "\nrest");
+}
+
+TEST_F(PipeTest, EndsALineWhereItsOutputEnds) {
+    write("half");
+    writeEnd.reset();
+    EXPECT_EQ(readLine(readEnd.get(), 100), "half");
+    EXPECT_EQ(readLine(readEnd.get(), 100), "");
+    EXPECT_EQ(readLine(-1, 100), "");
+}
+
+TEST_F(PipeTest, PutsALineTogetherThatComesInPiecesOfAnySize) {
+    const std::string line = std::string(40000, 'l') + std::string(5000, 'm');
+    for (const std::size_t piece : {1, 7, 4096, 45000}) {
+        std::thread writer([&] {
+            for (std::size_t written = 0; written < line.size(); written += piece) {
+                EXPECT_TRUE(
+                    writeAll(writeEnd.get(), std::string_view(line).substr(written, piece)));
+            }
+            EXPECT_TRUE(writeAll(writeEnd.get(), "\nn\n"));
+        });
+        EXPECT_EQ(readLine(readEnd.get(), line.size() + 1), line) << piece;
+        EXPECT_EQ(readLine(readEnd.get(), 10), "n");
+        writer.join();
+    }
+    EXPECT_EQ(rest(writeEnd, readEnd), "");
+}
+
+TEST_F(PipeTest, HandsOutLinesWhileItIsInterruptedAllTheTime) {
+    constexpr int kLines = 200;
+    std::thread reader([&] {
+        const SignalStorm storm;
+        for (int line = 0; line < kLines; ++line) {
+            EXPECT_EQ(readLine(readEnd.get(), 10000), std::string(5000, 'x')) << line;
+        }
+        storm.waitForInterruptions(20);
+    });
+    for (int line = 0; line < kLines; ++line) {
+        write(std::string(5000, 'x') + "\n");
+    }
+    reader.join();
+}
+
+TEST_F(PipeTest, MakesNoRoomForAWriterBehindTheLine) {
+    ASSERT_NE(::fcntl(writeEnd.get(), F_SETFL, O_NONBLOCK), -1);
+    write("line\n");
+    const std::string filler(4096, 'f');
+    while (::write(writeEnd.get(), filler.data(), filler.size()) > 0) {
+    }
+    int before = 0;
+    int after = 0;
+    ASSERT_EQ(::ioctl(readEnd.get(), FIONREAD, &before), 0);
+    EXPECT_EQ(readLine(readEnd.get(), 100), "line");
+    ASSERT_EQ(::ioctl(readEnd.get(), FIONREAD, &after), 0);
+    EXPECT_EQ(before - after, 5);
+}
+
+TEST_F(PipeTest, HandsOutLinesAlsoWhenNoDescriptorIsLeft) {
+    write("line\nrest");
+    const std::size_t before = openDescriptors().size();
+    {
+        const DescriptorLimit limit(0);
+        EXPECT_EQ(readLine(readEnd.get(), 100), "line");
+    }
+    EXPECT_EQ(openDescriptors().size(), before);
+    EXPECT_EQ(rest(writeEnd, readEnd), "rest");
 }
 
 TEST_F(PipeTest, TakesMoreThanItHolds) {
