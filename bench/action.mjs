@@ -8,7 +8,7 @@ import { Program, alternate, built, isThere, kChild, quick } from "./lib/program
 import { goal, microseconds, section, table, times } from "./lib/report.mjs";
 import { median, quantile, ratio } from "./lib/statistics.mjs";
 
-const kTurns = quick ? 12 : 150;
+const kTurns = quick ? 12 : 250;
 const kRounds = quick ? 5 : 10;
 const kMedianGoal = 1.1;
 const kTailGoal = 1.25;

@@ -20,9 +20,9 @@ const speed = (values) => `${(kBytes / median(values)).toFixed(2)} GB/s`;
 
 section(
   "A script that prints a gigabyte",
-  `An action whose script prints 2^30 bytes in pieces of 64 KiB, against \`cat >/dev/null\` behind the
-same program and the same kind of pipe, ${cat.length} times each in turn. Memory is the growth of the
-process's peak (VmHWM) over all of them.`,
+  `An action whose script prints 2^30 bytes in pieces of 64 KiB, against \`cat >/dev/null\` behind
+the same program and the same kind of pipe, ${cat.length} times each in turn. Memory is the growth
+of the process's peak (VmHWM) over all of them.`,
   [
     table(
       ["way", "median throughput", "ratio"],

@@ -9,7 +9,11 @@ import { median, quantile } from "./lib/statistics.mjs";
 const kProgram = built("micro");
 const kTogetherGoal = 0.1;
 // The steps that every action takes once.
-const kOfAnAction = ["parse a reply of 40 bytes", "filter 312 variables", "look up the last outcome"];
+const kOfAnAction = [
+  "parse a reply of 40 bytes",
+  "filter 312 variables",
+  "look up the last outcome",
+];
 
 function measured() {
   const text = execFileSync(
@@ -42,8 +46,8 @@ if (!isThere(kProgram)) {
   const together = kOfAnAction.reduce((sum, name) => sum + median(times.get(name)), 0) / launch;
   section(
     "Single steps",
-    `What the companion computes around a child, each by itself, as a share of one bare launch in the
-same run; in random order, with the range of the middle half.`,
+    `What the companion computes around a child, each by itself, as a share of one bare launch in
+the same run; in random order, with the range of the middle half.`,
     [
       table(
         ["step", "median", "middle half", "of a bare launch"],
