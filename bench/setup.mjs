@@ -1,20 +1,21 @@
 // A request of the setup window: from the call to its completion, against a bare exchange.
 
-import { Program, alternate, built, kChild, quick } from "./lib/program.mjs";
+import { Several, alternate, built, kChild, quick } from "./lib/program.mjs";
 import { goal, microseconds, plusMicroseconds, section, table, times } from "./lib/report.mjs";
 import { difference, median, quantile, ratio } from "./lib/statistics.mjs";
 
 const kLengths = [40, 400, 8192];
-const kTurns = quick ? 8 : 100;
-const kRounds = 20;
+const kProcesses = quick ? 2 : 8;
+const kTurns = quick ? 4 : 25;
+const kRounds = 10;
 const kGoalMicroseconds = 100;
 
 const channels = kLengths.map((length) => ({
   length,
-  program: new Program(built("setup"), [kChild, `${length}`]),
+  program: new Several(kProcesses, built("setup"), [kChild, `${length}`]),
 }));
 await alternate(
-  channels.map(({ program }) => program),
+  channels.flatMap(({ program }) => program.programs),
   kTurns,
   kRounds,
 );
@@ -29,8 +30,8 @@ const measured = channels.map(({ length, program }) => ({
 section(
   "A request of setup",
   `From the request on the main thread to its completion on the main thread, against the exchange of
-the same lines with another process of the same program, on the calling thread. Both took turns,
-${measured[0].bare.length} exchanges each.`,
+the same lines with another process of the same program, on the calling thread. Both took turns in
+${kProcesses} processes, ${measured[0].bare.length} exchanges each in all.`,
   [
     table(
       ["reply", "bare", "companion", "p99 of both", "more", "ratio"],

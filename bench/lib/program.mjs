@@ -73,6 +73,20 @@ export class Program {
   }
 }
 
+/**
+ * Several processes of one program as one: where the system puts a process and its threads makes a
+ * difference that stays for as long as it lives.
+ */
+export class Several {
+  constructor(count, command, commandArguments) {
+    this.programs = Array.from({ length: count }, () => new Program(command, commandArguments));
+  }
+
+  of(way) {
+    return this.programs.flatMap((program) => program.of(way));
+  }
+}
+
 function shuffled(items) {
   const order = [...items];
   for (let last = order.length - 1; last > 0; last -= 1) {
