@@ -1,7 +1,7 @@
-// bench-action CHILD MEGABYTES WAY...: measures ways to the same child from one process, of which so
-// many megabytes are dirty. The ways are "companion" and "job" (see Companion.h), "bare", "minimal"
-// and "forked" (see BareLaunch.h), and "handed", a bare launch by another thread. A fork makes the
-// next writes to memory dear, so it is measured by itself.
+// bench-action CHILD MEGABYTES WAY...: measures ways to the same child from one process, of which
+// so many megabytes are dirty. The ways are "companion" and "job" (see Companion.h), "bare",
+// "minimal" and "forked" (see BareLaunch.h), and "handed", a bare launch by another thread. A fork
+// makes the next writes to memory dear, so it is measured by itself.
 #include "measure/BareLaunch.h"
 #include "measure/Companion.h"
 #include "measure/Measure.h"
