@@ -83,3 +83,26 @@ packages_in_scripts() {
 rule "the recorder's scripts need nothing but Node" packages_in_scripts
 rule "no path of one machine, no registry's host" \
   lines '/roo[t]/|/wor[k]/|regist[r]y\.[a-z]+js|de[b]\.debian\.' .
+
+# What docs/reliability.md promises is held by tests that exist.
+names_of_tests() {
+  files 'tests/*.cpp' 'tests/*.mm' | xargs cat | tr '\n' ' ' |
+    grep -oE 'TEST(_F|_P)?\( *[[:alnum:]_]+, *[[:alnum:]_]+' | sed -E 's/^.*\( *//; s/, */./'
+}
+untrue_rows() {
+  tests=$(names_of_tests)
+  awk -F ' *[|] *' '/^\| *[0-9]/ { print $2 "|" $(NF - 1); rows++ }
+                   END { if (!rows) print "1|" }' docs/reliability.md |
+    while IFS='|' read -r row named; do
+      names=$(printf '%s\n' "$named" | grep -oE "\`[^\`]+\`" | tr -d "\`" || true)
+      [ -n "$names" ] || echo "docs/reliability.md: row $row names no test"
+      for name in $names; do
+        case $name in
+          fuzz/*) [ -f "tests/fuzz/${name#fuzz/}Target.cpp" ] ;;
+          */*) [ -f "$name" ] ;;
+          *) printf '%s\n' "$tests" | grep -qxF "$name" ;;
+        esac || echo "docs/reliability.md: row $row names $name, which is no test"
+      done
+    done
+}
+rule "every test that docs/reliability.md names exists" untrue_rows
