@@ -34,6 +34,7 @@ bool storeSettings(SettingsStore& store, const std::string& home, const std::str
     }
     store.write(kInstallationHomeKey, home);
     store.write(kNodeExecutableKey, node);
+    store.flush();
     return true;
 }
 

@@ -15,6 +15,8 @@ class SettingsStore {
     // Nothing when the key is absent or its value is not a string.
     [[nodiscard]] virtual std::optional<std::string> read(std::string_view key) const = 0;
     virtual void write(std::string_view key, std::string_view value) = 0;
+    // What was written so far outlives the process from here on, however that ends.
+    virtual void flush() = 0;
 };
 
 inline constexpr std::string_view kInstallationHomeKey = "installationHome";
@@ -47,6 +49,7 @@ struct InitialFields {
 
 // Stores both settings if both are valid: absolute paths by the rule of validPath, and Node an
 // executable file. Otherwise stores neither and returns false. Node's version is not looked at.
+// When it returns they are kept, together, whatever becomes of the process.
 [[nodiscard]] bool storeSettings(SettingsStore& store, const std::string& home,
                                  const std::string& node);
 

@@ -15,4 +15,9 @@ void UserDefaultsStore::write(std::string_view key, std::string_view value) {
     [[NSUserDefaults standardUserDefaults] setObject:toNSString(value) forKey:toNSString(key)];
 }
 
+// The system writes by itself too, but GNUstep only every half minute and when the program quits.
+void UserDefaultsStore::flush() {
+    [[NSUserDefaults standardUserDefaults] synchronize];
+}
+
 }  // namespace veltrix

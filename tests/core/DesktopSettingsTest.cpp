@@ -23,9 +23,11 @@ class RecordingStore final : public SettingsStore {
         writes.emplace_back(key, value);
         values.insert_or_assign(std::string(key), std::string(value));
     }
+    void flush() override { flushed.push_back(writes.size()); }
 
     std::map<std::string, std::string, std::less<>> values;
     Writes writes;
+    std::vector<std::size_t> flushed;  // how much had been written each time
 };
 
 class DesktopSettings : public testing::Test {
@@ -125,6 +127,13 @@ TEST_F(DesktopSettings, AreStoredBothHomeFirst) {
     EXPECT_TRUE(storeSettings(store, "/no/such/folder", otherNode));
     EXPECT_EQ(store.writes,
               (Writes{{"installationHome", "/no/such/folder"}, {"nodeExecutable", otherNode}}));
+}
+
+TEST_F(DesktopSettings, AreFlushedOnceBothAreStored) {
+    EXPECT_TRUE(storeSettings(store, "/Users/sam/DVR", otherNode));
+    EXPECT_EQ(store.flushed, std::vector<std::size_t>{2}) << "never one without the other";
+    EXPECT_FALSE(storeSettings(store, "DVR", otherNode));
+    EXPECT_EQ(store.flushed.size(), 1U);
 }
 
 TEST_F(DesktopSettings, AreStoredExactlyAsTyped) {

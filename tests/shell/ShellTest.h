@@ -36,6 +36,7 @@ class FakeSettings final : public SettingsStore {
   public:
     [[nodiscard]] std::optional<std::string> read(std::string_view key) const override;
     void write(std::string_view key, std::string_view value) override;
+    void flush() override {}
 
     std::map<std::string, std::string, std::less<>> values;
     std::vector<std::string> writes;  // "key=value"
