@@ -1,4 +1,6 @@
 // Where GNUstep's event loops wait too long and its modal sessions end too early.
+#include "common/RetainPtr.h"
+#include "gnustep/runtime/Immortal.h"
 #include "gnustep/runtime/MethodWrap.h"
 #include "gnustep/runtime/SetUp.h"
 
@@ -8,6 +10,19 @@ namespace veltrix::gnustep {
 namespace {
 
 constexpr unichar kEscape = 0x1b;
+
+constexpr NSTimeInterval kNever = 1e9;  // seconds
+
+RetainPtr<NSTimer> makeWakeUp(NSArray* modes) {
+    RetainPtr<NSTimer> timer = [NSTimer timerWithTimeInterval:kNever
+                                                       target:NSApp
+                                                     selector:@selector(self)
+                                                     userInfo:nil
+                                                      repeats:YES];
+    for (NSString* mode in modes)
+        [[NSRunLoop currentRunLoop] addTimer:timer.get() forMode:mode];
+    return timer;
+}
 
 // An event posted while the run loop fires timers or reads a descriptor would lie there until the
 // next one from outside: the loop settles down to wait without looking. Not with a timer due.
@@ -23,13 +38,10 @@ void wakeEventLoop() {
                                          modes:modes];
             return;
         }
-        NSTimer* const due = [NSTimer timerWithTimeInterval:0
-                                                     target:NSApp
-                                                   selector:@selector(self)
-                                                   userInfo:nil
-                                                    repeats:NO];
-        for (NSString* mode in modes)
-            [[NSRunLoop currentRunLoop] addTimer:due forMode:mode];
+        // One for all times: a timer that has fired in one mode would stay in the others until
+        // they are run, which may be never.
+        static Immortal<RetainPtr<NSTimer>> wakeUp(makeWakeUp(modes));
+        [(*wakeUp).get() setFireDate:[NSDate date]];
     }
 }
 

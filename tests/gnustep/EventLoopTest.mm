@@ -2,6 +2,7 @@
 #import <AppKit/AppKit.h>
 
 #include "common/RetainPtr.h"
+#include "support/MethodSwap.h"
 #include "support/WaitFor.h"
 
 #include <chrono>
@@ -69,6 +70,24 @@ TEST(EventLoop, WritesNothingWhenWokenFromAThreadWithoutAPool) {
     std::thread([&event] { [NSApp postEvent:event atStart:NO]; }).join();
     EXPECT_TRUE(isSeenInTime());
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+}
+
+int timersAdded = 0;
+void countTimer(id, SEL, NSTimer*, NSString*) {
+    ++timersAdded;
+}
+
+// A run loop drops a timer that has fired in another mode only when it runs in that mode itself.
+TEST(EventLoop, KeepsNoTimerOfTheEventsThatWokeIt) {
+    [NSApp postEvent:makeEvent() atStart:NO];
+    EXPECT_TRUE(isSeenInTime());
+    const veltrix::test::MethodSwap counting([NSRunLoop class], @selector(addTimer:forMode:),
+                                             countTimer);
+    for (int i = 0; i < 100; ++i) {
+        [NSApp postEvent:makeEvent() atStart:NO];
+        EXPECT_TRUE(isSeenInTime());
+    }
+    EXPECT_EQ(timersAdded, 0);
 }
 
 }  // namespace
