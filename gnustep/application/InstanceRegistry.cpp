@@ -21,6 +21,8 @@ namespace {
 
 constexpr std::string_view kSocketSuffix = ".socket";
 constexpr mode_t kPrivate = 0700;
+constexpr char kUnready = '.';      // before the name, until the file is locked
+constexpr long long kEntering = 10;  // seconds that nobody takes to enter
 
 bool isPrivateFolder(const std::string& path) {
     struct stat status = {};
@@ -67,6 +69,14 @@ std::optional<pid_t> pidInName(const std::string& name) {
     return static_cast<pid_t>(pid);
 }
 
+// Ours is the machine's clock, so a time still to come is that of an earlier start of the machine.
+bool isLongAgo(const std::string& name) {
+    timespec now = {};
+    clock_gettime(CLOCK_BOOTTIME, &now);
+    const long long entered = std::strtoll(name.c_str(), nullptr, 10);
+    return entered > now.tv_sec || now.tv_sec - entered > kEntering;
+}
+
 // A socket address holds 107 bytes of path. By way of the open folder any path is short enough.
 std::optional<sockaddr_un> addressIn(int folder, const std::string& name) {
     sockaddr_un address = {};
@@ -90,6 +100,23 @@ bool isLocked(int folder, const std::string& name) {
 void removeEntry(int folder, const std::string& name) {
     unlinkat(folder, (name + std::string(kSocketSuffix)).c_str(), 0);
     unlinkat(folder, name.c_str(), 0);
+    unlinkat(folder, (kUnready + name).c_str(), 0);
+}
+
+// The name that a file would have been given in the end, of a process that was about to enter.
+std::string nameOfUnfinished(std::string name) {
+    if (name.ends_with(kSocketSuffix))
+        name.resize(name.size() - kSocketSuffix.size());
+    if (name.front() == kUnready)
+        name.erase(0, 1);
+    return name;
+}
+
+void removeIfNeverFinished(int folder, const std::string& unfinished) {
+    const std::string name = nameOfUnfinished(unfinished);
+    if (pidInName(name) && isLongAgo(name) && !isLocked(folder, name) &&
+        !isLocked(folder, kUnready + name))
+        removeEntry(folder, name);
 }
 
 std::vector<std::string> namesIn(int folder) {
@@ -160,7 +187,7 @@ bool InstanceRegistry::makeSocket() {
 // Locked under another name first: under its own it must never be seen unlocked, or somebody would
 // clear it away.
 bool InstanceRegistry::makeLockedFile() {
-    const std::string unready = "." + name_;
+    const std::string unready = kUnready + name_;
     lock_ = openat(folder_, unready.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     return lock_ >= 0 && flock(lock_, LOCK_EX | LOCK_NB) == 0 &&
            renameat(folder_, unready.c_str(), folder_, name_.c_str()) == 0;
@@ -170,9 +197,9 @@ std::vector<InstanceRegistry::Instance> InstanceRegistry::running() const {
     std::vector<Instance> instances;
     for (const std::string& name : namesIn(folder_)) {
         const std::optional<pid_t> pid = pidInName(name);
-        if (!pid || name.front() == '.')
-            continue;
-        if (isLocked(folder_, name))
+        if (!pid || name.front() == kUnready)
+            removeIfNeverFinished(folder_, name);
+        else if (isLocked(folder_, name))
             instances.push_back({*pid, name});
         else
             removeEntry(folder_, name);

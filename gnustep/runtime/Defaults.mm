@@ -2,6 +2,7 @@
 
 #import <AppKit/AppKit.h>
 
+#include "gnustep/runtime/UnfinishedFiles.h"
 #include "gnustep/runtime/WindowManager.h"
 #include "gnustep/theme/InstalledFonts.h"
 
@@ -17,6 +18,13 @@ void registerFonts(NSUserDefaults* defaults) {
             registerDefaults:@{@"NSFont" : @"Inter-Regular", @"NSBoldFont" : @"Inter-SemiBold"}];
 }
 
+void clearAwayUnfinishedDefaults() {
+    NSString* const file =
+        [[[NSProcessInfo processInfo] processName] stringByAppendingPathExtension:@"plist"];
+    removeUnfinishedFiles([GSDefaultsRootForUser(NSUserName()) fileSystemRepresentation],
+                          [file fileSystemRepresentation]);
+}
+
 }  // namespace
 
 void registerDefaults() {
@@ -25,6 +33,7 @@ void registerDefaults() {
     [[[NSProcessInfo processInfo] debugSet] addObject:@"NoWarn"];
 
     NSUserDefaults* const defaults = [NSUserDefaults standardUserDefaults];
+    clearAwayUnfinishedDefaults();
     registerFonts(defaults);
     [defaults registerDefaults:@{
         // Without a window manager GNUstep draws title bars itself. With one it must leave them

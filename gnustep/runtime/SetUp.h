@@ -5,6 +5,7 @@
 namespace veltrix::gnustep {
 
 // Wraps around methods of the library, before the application object exists.
+void installLockBreaking();
 void installSideTables();
 void installLayoutTriggers();
 void installStatusStrip();

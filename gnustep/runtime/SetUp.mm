@@ -17,6 +17,7 @@ id sharedApplication(id self, SEL command) {
         return originalSharedApplication(self, command);
     setUp = true;
     @autoreleasepool {
+        installLockBreaking();  // before the defaults, which take one
         registerDefaults();
         installSideTables();
         installLayoutTriggers();

@@ -94,6 +94,24 @@ TEST_F(InstanceRegistryTest, AStaleFileWithTheNumberOfALivingProcessIsStale) {
     EXPECT_EQ(registry->running().size(), 1U);
 }
 
+TEST_F(InstanceRegistryTest, WhatAProcessLeavesThatWasKilledWhileItEnteredIsClearedAway) {
+    const auto registry = entered();
+    folder.write("example.program/.000000000001.000000000-4001", "");
+    folder.write("example.program/000000000001.000000000-4002.socket", "");
+    folder.write("example.program/999999999999.000000000-4003.socket", "");
+    EXPECT_EQ(registry->running().size(), 1U);
+    EXPECT_EQ(filesLeft(), 2U);
+}
+
+TEST_F(InstanceRegistryTest, AProcessThatIsJustEnteringIsLeftAlone) {
+    const auto registry = entered();
+    const std::string now = registry->running()[0].name;
+    folder.write("example.program/." + now + "1", "");
+    folder.write("example.program/" + now + "2.socket", "");
+    EXPECT_EQ(registry->running().size(), 1U);
+    EXPECT_EQ(filesLeft(), 4U);
+}
+
 TEST_F(InstanceRegistryTest, AFileThatIsNoneOfOursIsLeftAlone) {
     const auto registry = entered();
     const std::string foreign = folder.write("example.program/notes.txt", "x");
