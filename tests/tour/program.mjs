@@ -30,17 +30,25 @@ export async function runProgram({ executable, scratch, display }, args) {
 
 export class Program {
   #observer;
+  #socket;
   #child;
   #output = "";
 
   /** Starts the program and waits for its settings window. */
-  static async start({ executable, observer, scratch, display }, args = []) {
+  static async start(stage, args = []) {
+    const program = Program.spawn(stage, args);
+    await program.ready();
+    return program;
+  }
+
+  /** Starts the program without waiting for anything. */
+  static spawn({ executable, observer, scratch, display }, args = []) {
     const program = new Program();
-    const socket = scratch.path(`observer-${++started}`);
+    program.#socket = scratch.path(`observer-${++started}`);
     const env = {
       ...scratch.environment(display),
       LD_PRELOAD: observer,
-      VELTRIX_TOUR_SOCKET: socket,
+      VELTRIX_TOUR_SOCKET: program.#socket,
     };
     program.display = display;
     program.#child = spawn(executable, args, {
@@ -50,12 +58,28 @@ export class Program {
     });
     program.#child.stdout.setEncoding("utf8").on("data", (text) => (program.#output += text));
     program.ended = once(program.#child, "close").then(([status]) => status);
-    await eventually(() => {
-      program.#requireRunning();
-      return display.hasWindow(kSettings);
-    }, "the settings window");
-    program.#observer = await Observer.connect(socket);
     return program;
+  }
+
+  /** Waits for the settings window, which must not be there before. */
+  async ready() {
+    await eventually(() => {
+      this.#requireRunning();
+      return this.display.hasWindow(kSettings);
+    }, "the settings window");
+    this.#observer = await Observer.connect(this.#socket);
+  }
+
+  /** Ends it by force, as a crash would, and waits until nothing of it is to be seen. */
+  async kill() {
+    this.#child.kill("SIGKILL");
+    await this.gone();
+  }
+
+  async gone() {
+    await this.ended;
+    this.#observer?.close();
+    await eventually(() => !this.display.hasWindow(kSettings), "the window gone");
   }
 
   get pid() {

@@ -129,6 +129,7 @@ export class Observer {
   }
 
   async look() {
+    if (this.#socket.destroyed) throw new Error("the program ended");
     const answer = new Promise((resolve, reject) => (this.#waiting = { resolve, reject }));
     this.#socket.write("\n");
     return new Sight(await answer);

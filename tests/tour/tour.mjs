@@ -7,13 +7,13 @@
 //   sight.mjs     what can be seen of them: asks the observer (observer/) inside the program
 //   display.mjs   the virtual display with its mouse, keyboard and camera
 //   scratch.mjs   the home folder in which all of it happens
+//   stage.mjs     sets both, and clears them away however it ends
 //
 // Every sentence is written out here once more, letter for letter, as the program must say it.
 
 import path from "node:path";
-import { Display } from "./display.mjs";
 import { Journal } from "./journal.mjs";
-import { Scratch } from "./scratch.mjs";
+import { perform } from "./stage.mjs";
 import { tryInstances } from "./steps/instances.mjs";
 import { installRecorder } from "./steps/installing.mjs";
 import { runService } from "./steps/service.mjs";
@@ -45,50 +45,19 @@ const kLimit = 280; // seconds
 const [build, output] = process.argv.slice(2);
 const began = performance.now();
 const journal = new Journal(path.resolve(output));
-const scratch = new Scratch();
-let display = null;
 
-async function cleanUp() {
-  await scratch.remove();
-  display?.close();
-  await display?.closed();
+function fail(error, display) {
+  if (display !== null) display.photograph(journal.file("failed"));
+  journal.fail(error);
 }
 
-// The first reason to give up counts: what comes after it comes of it.
-let ending = null;
-
-function giveUp(error) {
-  ending ??= (async () => {
-    journal.fail(error);
-    await cleanUp();
-    process.exit(1);
-  })();
-  return ending;
-}
-
-for (const signal of ["SIGINT", "SIGTERM", "SIGHUP"]) {
-  process.once(signal, () => giveUp(new Error(`ended by ${signal}`)));
-}
-setTimeout(() => giveUp(new Error(`not done after ${kLimit} seconds`)), kLimit * 1000).unref();
-
-try {
-  display = await Display.open();
-  const bundle = path.resolve(build, "Veltrix Home DVR.app");
+await perform({ build, limit: kLimit, fail }, async (stage) => {
   const tour = {
-    scratch,
-    display,
+    ...stage,
     journal,
-    executable: path.join(bundle, "Veltrix Home DVR"),
-    bundledRuntime: path.join(bundle, "Resources/bundle/runtime/bin/node"),
-    observer: path.resolve(build, "tests/tour/libveltrix_tour_observer.so"),
-    step: (title, action) => journal.step(display, title, action),
+    step: (title, action) => journal.step(stage.display, title, action),
     passwords: [],
   };
   for (const part of kParts) await part(tour);
-} catch (error) {
-  if (ending === null && display !== null) display.photograph(journal.file("failed"));
-  await giveUp(error);
-}
-await cleanUp();
-journal.finish(Math.round((performance.now() - began) / 1000));
-process.exit(0);
+  journal.finish(Math.round((performance.now() - began) / 1000));
+});

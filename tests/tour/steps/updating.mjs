@@ -11,7 +11,7 @@ import { kStart, startService, stopService } from "./service.mjs";
 const kInformation =
   "Stop DVR and close account setup first. Application/runtime files may be replaced; " +
   "configuration and recordings are preserved. No service starts automatically.";
-const kUpdate = {
+export const kUpdate = {
   question: "Update DVR?",
   text: kInformation,
   safe: "Cancel",
@@ -94,7 +94,7 @@ export async function interruptUpdates(tour) {
 
 const repair = (program) => chooseAndAccept(program, "Repair Interrupted Update...", kRepair);
 
-async function chooseAndAccept(program, item, alert) {
+export async function chooseAndAccept(program, item, alert) {
   await program.choose(item);
   await program.expectAlert(alert);
   await program.accept(alert);
