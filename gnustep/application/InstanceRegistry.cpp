@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::string_view kSocketSuffix = ".socket";
 constexpr mode_t kPrivate = 0700;
-constexpr char kUnready = '.';      // before the name, until the file is locked
+constexpr char kUnready = '.';       // before the name, until the file is locked
 constexpr long long kEntering = 10;  // seconds that nobody takes to enter
 
 bool isPrivateFolder(const std::string& path) {

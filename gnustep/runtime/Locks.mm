@@ -1,6 +1,6 @@
-// Locks of GNUstep's that a crash has left behind. A lock is a folder, made by whoever takes it, and
-// nothing says whether its maker lives. GNUstep waits for one 20 seconds before the user defaults
-// are read, with no window yet, and for the list of running programs at every launch.
+// Locks of GNUstep's that a crash has left behind. A lock is a folder, made by whoever takes it,
+// and nothing says whether its maker lives. GNUstep waits for one 20 seconds before the user
+// defaults are read, with no window yet, and for the list of running programs at every launch.
 #include "gnustep/runtime/MethodWrap.h"
 #include "gnustep/runtime/SetUp.h"
 

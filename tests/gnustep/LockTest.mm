@@ -22,8 +22,7 @@ struct LockTest : ::testing::Test {
     // As another program takes it, so long ago.
     void take(std::chrono::seconds ago) const {
         std::filesystem::create_directory(path);
-        std::filesystem::last_write_time(path,
-                                         std::filesystem::file_time_type::clock::now() - ago);
+        std::filesystem::last_write_time(path, std::filesystem::file_time_type::clock::now() - ago);
     }
 
     const TempFolder folder;

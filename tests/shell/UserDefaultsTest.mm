@@ -5,6 +5,7 @@
 #include "app/UserDefaultsStore.h"
 #include "common/Text.h"
 #include "support/AppKitDriver.h"
+#include "support/LibraryLeak.h"
 
 using namespace veltrix;
 using namespace veltrix::test;
@@ -27,6 +28,7 @@ class UserDefaultsTest : public ShellTest {
     // What a process that starts now would find.
     static void forgetWhatIsInMemory() {
         [defaults() synchronize];
+        const LibraryLeak leak;  // GNUstep keeps the path of the defaults that it lets go
         [NSUserDefaults resetStandardUserDefaults];
     }
 

@@ -4,6 +4,7 @@
 
 #include "common/RetainPtr.h"
 #ifndef __APPLE__
+#include "support/LibraryLeak.h"
 #include "support/gnustep/IsolatedHome.h"
 #endif
 
@@ -44,6 +45,13 @@ int main(int argc, char** argv) {
     const veltrix::test::IsolatedHome home;
 #endif
     @autoreleasepool {
+#ifndef __APPLE__
+        {
+            // GNUstep's +[NSArray initialize] makes an object that nobody ever gets.
+            const veltrix::test::LibraryLeak leak;
+            [NSArray class];
+        }
+#endif
         [NSApplication sharedApplication];
         [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory];
         [NSApp finishLaunching];

@@ -34,4 +34,8 @@ function(veltrix_add_appkit_tests target)
   endif()
   # One at a time: the pasteboard is the machine's, and a program that ends takes its server along.
   set_tests_properties(${target} PROPERTIES TIMEOUT 300 RUN_SERIAL TRUE)
+  if(VELTRIX_SANITIZER MATCHES "address" AND NOT APPLE)
+    set_tests_properties(${target} PROPERTIES ENVIRONMENT
+      "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/gnustep/leaks.supp")
+  endif()
 endfunction()
