@@ -7,8 +7,8 @@ import { Scratch } from "./scratch.mjs";
 
 /**
  * Lets `act` use the program that was built into the folder `build`, and ends the process: with 0
- * when that is done, with 1 when it threw, took longer than `limit` seconds or was interrupted; then
- * `fail` is told the reason first, while everything still stands.
+ * when that is done, with 1 when it threw, took longer than `limit` seconds or was interrupted;
+ * then `fail` is told the reason first, while everything still stands.
  */
 export async function perform({ build, limit, fail }, act) {
   const scratch = new Scratch();

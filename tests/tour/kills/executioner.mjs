@@ -2,8 +2,8 @@
 // itself does in the meantime delays it.
 //
 // workerData: { delay, changes, folders }. Once it is told the process: after `delay` milliseconds,
-// or with so many changes in the folders (0: never) if that comes first. A moment among a few writes
-// that follow close upon each other is next to never found by the clock.
+// or with so many changes in the folders (0: never) if that comes first. A moment among a few
+// writes that follow close upon each other is next to never found by the clock.
 
 import fs from "node:fs";
 import { parentPort, workerData } from "node:worker_threads";

@@ -27,13 +27,13 @@ function addedBySetup({ recorder: { layout } }) {
   return (file) => files.includes(file);
 }
 
-/** `fresh`: begins with no companion running. */
+/** `fresh`: begins with no companion running. `states`: it goes through so many by turns. */
 export const kThings = [
   { name: "saving other settings", gesture: saveOther, mayAdd: nothing },
   { name: "refreshing the status", gesture: refresh, mayAdd: nothing },
   { name: "checking the configuration", gesture: check, mayAdd: nothing },
   { name: "showing the configuration folder", gesture: showFolder, mayAdd: nothing },
-  { name: "starting or stopping", gesture: startOrStop, mayAdd: addedByStart },
+  { name: "starting or stopping", gesture: startOrStop, states: 2, mayAdd: addedByStart },
   { name: "updating", gesture: update, mayAdd: nothing },
   { name: "validating TLS", gesture: validateTls, mayAdd: addedBySetup },
   { name: "requesting an approval", gesture: requestApproval, mayAdd: addedBySetup },
