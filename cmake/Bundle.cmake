@@ -14,16 +14,20 @@ target_link_libraries(veltrix_desktop PRIVATE veltrix_shell_parts veltrix_warnin
 set_target_properties(veltrix_desktop PROPERTIES OUTPUT_NAME "${VELTRIX_PRODUCT}")
 
 # A release carries no symbol that nobody needs.
-if(CMAKE_BUILD_TYPE STREQUAL "Release")
+function(veltrix_strip_release target)
+  if(NOT CMAKE_BUILD_TYPE STREQUAL "Release")
+    return()
+  endif()
   if(APPLE)
-    target_link_options(veltrix_desktop PRIVATE -Wl,-dead_strip)
-    add_custom_command(TARGET veltrix_desktop POST_BUILD
-      COMMAND "${CMAKE_STRIP}" -x "$<TARGET_FILE:veltrix_desktop>" VERBATIM)
+    target_link_options(${target} PRIVATE -Wl,-dead_strip)
+    add_custom_command(TARGET ${target} POST_BUILD
+      COMMAND "${CMAKE_STRIP}" -x "$<TARGET_FILE:${target}>" VERBATIM)
   else()
     # Class descriptions are full of pointers; packed, their relocations cost next to nothing.
-    target_link_options(veltrix_desktop PRIVATE -s -Wl,-z,pack-relative-relocs)
+    target_link_options(${target} PRIVATE -s -Wl,-z,pack-relative-relocs)
   endif()
-endif()
+endfunction()
+veltrix_strip_release(veltrix_desktop)
 
 set(bundle "${CMAKE_BINARY_DIR}/${VELTRIX_PRODUCT}.app")
 if(APPLE)

@@ -32,6 +32,9 @@ xdotool                  # presses keys and buttons
 imagemagick              # photographs the screen
 openssl                  # certificates of the recorder's tests; proves the runtime's hash
 procps                   # ps
+# measuring
+libxcb-damage0-dev       # tells when a window has been painted
+valgrind                 # counts instructions part by part
 # keeping the house in order
 clang-format
 clang-tidy
