@@ -6,6 +6,7 @@ namespace veltrix::gnustep {
 
 // Wraps around methods of the library, before the application object exists.
 void installLockBreaking();
+void leaveOutImageMagick();
 void installSideTables();
 void installLayoutTriggers();
 void installStatusStrip();

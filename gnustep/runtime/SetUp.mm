@@ -19,6 +19,7 @@ id sharedApplication(id self, SEL command) {
     @autoreleasepool {
         installLockBreaking();  // before the defaults, which take one
         registerDefaults();
+        leaveOutImageMagick();
         installSideTables();
         installLayoutTriggers();
         installStatusStrip();
