@@ -1,13 +1,16 @@
 // The dispatcher on Linux: standard-library threads. One worker and one timer thread exist from the
 // start, so that running out of threads later can delay work but never lose it. More workers are
 // started when there is work and nobody idle, a few are kept for the next time, and all of them
-// sleep on condition variables: at rest nothing here ever wakes up.
+// sleep on condition variables: at rest nothing here ever wakes up. None of them takes signals: a
+// handler of the program's, such as the window system's for a request to end, expects the main
+// thread, and two of them at once on two threads would wait for each other for ever.
 #include "common/Dispatch.h"
 #include "common/MainQueue_linux.h"
 
 #include <algorithm>
 #include <atomic>
 #include <condition_variable>
+#include <csignal>
 #include <deque>
 #include <mutex>
 #include <system_error>
@@ -15,8 +18,28 @@
 #include <utility>
 #include <vector>
 
+#include <pthread.h>
+
 namespace veltrix {
 namespace {
+
+// Throws as std::thread does, when the system has no thread to give.
+template <typename Run>
+void startThread(Run run) {
+    struct NoSignals {
+        NoSignals() {
+            sigset_t everything;
+            sigfillset(&everything);
+            pthread_sigmask(SIG_SETMASK, &everything, &before);
+        }
+        ~NoSignals() { pthread_sigmask(SIG_SETMASK, &before, nullptr); }
+        NoSignals(const NoSignals&) = delete;
+        NoSignals& operator=(const NoSignals&) = delete;
+        sigset_t before{};
+    };
+    const NoSignals inherited;
+    std::thread(std::move(run)).detach();
+}
 
 using Clock = std::chrono::steady_clock;
 
@@ -70,7 +93,7 @@ class MainQueue {
 class WorkerPool {
   public:
     WorkerPool() {
-        std::thread([this] { run(); }).detach();
+        startThread([this] { run(); });
     }
 
     // Called by a worker after each piece of work, when nobody waits for it any more.
@@ -99,7 +122,7 @@ class WorkerPool {
     // always one: the first was started with the pool.
     void startWorker() {
         try {
-            std::thread([this] { run(); }).detach();
+            startThread([this] { run(); });
         } catch (const std::system_error&) {
             return;
         }
@@ -151,7 +174,7 @@ class Timers {
                 changed_.notify_one();
             }
         });
-        std::thread([this] { run(); }).detach();
+        startThread([this] { run(); });
     }
 
     std::shared_ptr<Entry> add(std::chrono::milliseconds delay, Work work) {

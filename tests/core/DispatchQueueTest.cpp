@@ -15,6 +15,9 @@
 #include <thread>
 #include <vector>
 
+#include <csignal>
+#include <pthread.h>
+
 namespace veltrix::test {
 namespace {
 
@@ -177,6 +180,21 @@ TEST(GlobalQueue, TakesWorkFromManyThreads) {
         thread.join();
     }
     EXPECT_TRUE(waitFor([&] { return ran == kThreads * kEach; }));
+}
+
+// Two requests to end in a row were handled on two threads at once, which waited for each other.
+TEST(GlobalQueue, LeavesSignalsToTheMainThread) {
+    std::atomic<int> takesTermination = -1;
+    dispatcher().asyncOnGlobal(QualityOfService::byDefault, [&] {
+        sigset_t blocked;
+        pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
+        takesTermination = sigismember(&blocked, SIGTERM) == 0 ? 1 : 0;
+    });
+    ASSERT_TRUE(waitFor([&] { return takesTermination >= 0; }));
+    EXPECT_EQ(takesTermination, 0);
+    sigset_t blocked;
+    pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
+    EXPECT_EQ(sigismember(&blocked, SIGTERM), 0) << "nobody is left to take it";
 }
 
 TEST(GlobalQueue, ReleasesWhatWorkCaptured) {
