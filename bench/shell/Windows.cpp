@@ -1,5 +1,5 @@
-// windows TITLE PROGRAM [ARGUMENT...]: starts the program and tells, in microseconds since then, how
-// it comes onto the screen, a line for each event:
+// windows TITLE PROGRAM [ARGUMENT...]: starts the program and tells, in microseconds since then,
+// how it comes onto the screen, a line for each event:
 //
 //   started PID
 //   window MICROSECONDS   its first window was mapped, whichever it is
@@ -60,8 +60,8 @@ class Watch {
             fail("the display has no DAMAGE extension");
         }
         damageEvent_ = damage->first_event + XCB_DAMAGE_NOTIFY;
-        const auto version = xcb_damage_query_version(
-            connection_, XCB_DAMAGE_MAJOR_VERSION, XCB_DAMAGE_MINOR_VERSION);
+        const auto version = xcb_damage_query_version(connection_, XCB_DAMAGE_MAJOR_VERSION,
+                                                      XCB_DAMAGE_MINOR_VERSION);
         ReplyPtr<xcb_damage_query_version_reply_t>(
             xcb_damage_query_version_reply(connection_, version, nullptr));
         root_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
@@ -130,10 +130,10 @@ class Watch {
                                              XCB_GET_PROPERTY_TYPE_ANY, 0, 64);
         const ReplyPtr<xcb_get_property_reply_t> reply(
             xcb_get_property_reply(connection_, cookie, nullptr));
-        return reply && std::string_view(
-                            static_cast<const char*>(xcb_get_property_value(reply.get())),
-                            static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))) ==
-                            title_;
+        return reply &&
+               std::string_view(
+                   static_cast<const char*>(xcb_get_property_value(reply.get())),
+                   static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))) == title_;
     }
 
     void tell(const char* what, Clock::time_point when) const {
