@@ -1,12 +1,14 @@
-// draw-icon.mjs FOLDER: writes AppIcon.icns for macOS and AppIcon.png (512 pixels) for everybody
-// else into the folder.
+// draw-icon.mjs FOLDER: writes AppIcon.icns for macOS and AppIcon.png for everybody else into
+// the folder.
 import { mkdirSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
 import { encodeIcns } from "./icns.mjs";
 import { drawIcon } from "./picture.mjs";
 import { encodePng } from "./png.mjs";
 
-const LINUX_SIZE = 512;
+// Alerts show it at 48 points, window managers at less. GNUstep decodes it at every launch and
+// keeps it: at 512 pixels a side that is a megabyte.
+const LINUX_SIZE = 128;
 
 const [folder] = process.argv.slice(2);
 if (folder === undefined) {

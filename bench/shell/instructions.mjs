@@ -12,7 +12,8 @@ import { command } from "./report.mjs";
 function textOf(map) {
   const ranges = [];
   const pattern = /^ \.text\S*\s+0x([0-9a-f]+)\s+0x([0-9a-f]+) (.*)$/gm;
-  for (const [, address, size, object] of map.replaceAll(/(\.text\S*)\n/g, "$1").matchAll(pattern)) {
+  const joined = map.replaceAll(/(\.text\S*)\n/g, "$1");
+  for (const [, address, size, object] of joined.matchAll(pattern)) {
     const begin = parseInt(address, 16);
     if (begin === 0 || !/veltrix|bench_desktop/.test(object)) continue;
     ranges.push([begin, begin + parseInt(size, 16), /veltrix_gnustep/.test(object)]);
@@ -95,7 +96,8 @@ export async function countOwnInstructions(program, build, env) {
     const base = entry - addressOfMain(program.file);
     if (!Number.isFinite(base)) throw new Error("the profile knows no main()");
     for (const [address, cost] of own) {
-      const found = ranges.find(([first, last]) => first <= address - base && address - base < last);
+      const at = address - base;
+      const found = ranges.find(([first, last]) => first <= at && at < last);
       if (found?.[2]) supplied += cost;
       else ours += cost;
     }

@@ -69,8 +69,8 @@ section(
     row("hello world on GNUstep as it is", stock, hello),
   ],
   `Shown: ${ratio.toFixed(2)} times the hello world, goal ${kGoal}: ${metOrNot(ratio <= kGoal)}. ` +
-    `Of ${own.total} million instructions up to then ${(100 * own.ours).toFixed(2)}% are the ` +
-    `companion's own, ${ownTime.toFixed(2)} ms of the time, goal ${kOwnGoal}: ` +
+    `Of ${own.total} million instructions up to then ${(100 * own.ours).toFixed(3)}% are the ` +
+    `companion's own, ${ownTime.toFixed(3)} ms of the time, goal ${kOwnGoal}: ` +
     `${metOrNot(ownTime < kOwnGoal)}; what is supplied to GNUstep takes another ` +
     `${suppliedTime.toFixed(2)} ms.`,
 );

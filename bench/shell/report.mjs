@@ -6,10 +6,10 @@ import { spawnSync } from "node:child_process";
 
 /** { quick, build }: the short run, and the build folder, with what is measured built into it. */
 export function prepare(target) {
-  const rest = process.argv.slice(2).filter((argument) => argument !== "--quick");
-  const build = path.resolve(rest[0] ?? "build-bench");
+  const [folder = "build-bench"] = process.argv.slice(2).filter((given) => given !== "--quick");
+  const build = path.resolve(folder);
   if (!fs.existsSync(path.join(build, "CMakeCache.txt"))) {
-    throw new Error(`no build in ${build}: scripts/build --type Release ${rest[0] ?? "build-bench"}`);
+    throw new Error(`no build in ${build}: scripts/build --type Release ${folder}`);
   }
   command("cmake", ["-DVELTRIX_BENCH=ON", build]);
   command("cmake", ["--build", build, "--target", target]);
@@ -57,8 +57,8 @@ export function shuffled(list) {
 export function section(title, sentences, head, rows, verdict) {
   const line = (cells) => `| ${cells.join(" | ")} |`;
   const rule = head.map((_, column) => (column === 0 ? "---" : "---:"));
-  console.log([`## ${title}`, "", sentences, "", ...[head, rule, ...rows].map(line), ""].join("\n"));
-  console.log(`${verdict}\n`);
+  const table = [head, rule, ...rows].map(line);
+  console.log([`## ${title}`, "", sentences, "", ...table, "", verdict, ""].join("\n"));
 }
 
 export const metOrNot = (met) => (met ? "met" : "not met");

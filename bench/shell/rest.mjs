@@ -22,7 +22,8 @@ function switchesOf(pid) {
   const threads = new Map();
   for (const thread of fs.readdirSync(`/proc/${pid}/task`)) {
     const status = fs.readFileSync(`/proc/${pid}/task/${thread}/status`, "utf8");
-    const count = (kind) => Number(new RegExp(`^${kind}_ctxt_switches:\\s+(\\d+)`, "m").exec(status)[1]);
+    const count = (kind) =>
+      Number(new RegExp(`^${kind}_ctxt_switches:\\s+(\\d+)`, "m").exec(status)[1]);
     threads.set(thread, { voluntary: count("voluntary"), involuntary: count("nonvoluntary") });
   }
   return threads;
@@ -132,8 +133,8 @@ const ratios = [atRest, afterAction].flatMap(([a, b]) => [a.pss / b.pss, a.dirty
 const worst = Math.max(...ratios);
 section(
   "At rest",
-  `How often the threads of the companion and of the hello world were woken in ${kSeconds} s, both ` +
-    `at once on one display, and the memory that each has, in kB and beside the hello world's; ` +
+  `How often the threads of the companion and of the hello world were woken in ${kSeconds} s, ` +
+    `both at once on one display, and the memory that each has, in kB and beside the hello world's; ` +
     `after the launch, and after a status refresh. The goals: not one wakeup of our own, and at ` +
     `most ${kMemoryGoal} times the memory.`,
   ["Program", "threads", "voluntary switches", "involuntary", "Pss", "private dirty"],

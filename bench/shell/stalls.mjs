@@ -36,18 +36,18 @@ function longestWaits() {
 
 const waits = longestWaits();
 if (waits.size === 0) throw new Error("the tests have measured nothing");
-const words = (name) => name.replaceAll(/(?<=[a-z])[A-Z]/g, (letter) => ` ${letter.toLowerCase()}`);
+const words = (name) => name.replaceAll(/(?<!^)[A-Z]/g, (letter) => ` ${letter.toLowerCase()}`);
 const shown = (values) =>
   [0.5, 1].map((share) => (values.length === 0 ? "" : quantile(values, share).toFixed(1)));
 const typical = Math.max(...[...waits.values()].map(({ action }) => quantile(action, 0.5)));
 const worst = Math.max(...[...waits.values()].flatMap(({ action }) => action));
 section(
   "Stalls",
-  `The longest that the main thread let a watchdog wait for an answer, in milliseconds: in one of ` +
-    `${kRounds} runs, typically and at worst, idle and from before an action's start to its end. ` +
+  `The longest that the main thread let a watchdog wait for an answer, in milliseconds: in one ` +
+    `of ${kRounds} runs, typically and at worst, idle and from before an action's start to its end. ` +
     `The goal is at most ${kGoal} ms.`,
   ["During the action", "idle, median", "idle, worst", "action, median", "action, worst"],
   [...waits].map(([name, { idle, action }]) => [words(name), ...shown(idle), ...shown(action)]),
-  `Longest wait during an action: ${typical.toFixed(1)} ms in the median run of the slowest case, ` +
-    `${worst.toFixed(1)} ms in the worst of all, goal ${kGoal}: ${metOrNot(worst <= kGoal)}.`,
+  `Longest wait during an action: ${typical.toFixed(1)} ms in the median run of the slowest ` +
+    `case, ${worst.toFixed(1)} ms in the worst of all, goal ${kGoal}: ${metOrNot(worst <= kGoal)}.`,
 );
