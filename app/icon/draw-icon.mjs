@@ -6,8 +6,8 @@ import { encodeIcns } from "./icns.mjs";
 import { drawIcon } from "./picture.mjs";
 import { encodePng } from "./png.mjs";
 
-// Alerts show it at 48 points, window managers at less. GNUstep decodes it at every launch and
-// keeps it: at 512 pixels a side that is a megabyte.
+// No window of ours shows it; window managers and desktops may. GNUstep decodes it at every launch
+// and keeps it: at 512 pixels a side that is a megabyte.
 const LINUX_SIZE = 128;
 
 const [folder] = process.argv.slice(2);

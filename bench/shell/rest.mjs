@@ -29,10 +29,12 @@ function switchesOf(pid) {
   return threads;
 }
 
-function switchesBetween(before, after) {
-  const sum = { voluntary: 0, involuntary: 0, threads: after.size };
+function switchesBetween(before, after, pid) {
+  const sum = { voluntary: 0, involuntary: 0, threads: after.size, ofWorkers: 0 };
   for (const [thread, { voluntary, involuntary }] of after) {
-    sum.voluntary += voluntary - (before.get(thread)?.voluntary ?? 0);
+    const more = voluntary - (before.get(thread)?.voluntary ?? 0);
+    sum.voluntary += more;
+    if (Number(thread) !== pid) sum.ofWorkers += more;
     sum.involuntary += involuntary - (before.get(thread)?.involuntary ?? 0);
   }
   return sum;
@@ -70,7 +72,10 @@ async function measure(pids) {
   const before = pids.map(switchesOf);
   const memory = pids.map(memoryOf);
   await delay(kSeconds * 1000);
-  return pids.map((pid, i) => ({ ...switchesBetween(before[i], switchesOf(pid)), ...memory[i] }));
+  return pids.map((pid, i) => ({
+    ...switchesBetween(before[i], switchesOf(pid), pid),
+    ...memory[i],
+  }));
 }
 
 /** Where "Refresh Status" is: a first copy tells, which is none of those that are measured. */
@@ -129,17 +134,19 @@ const rows = (when, [companion, baseline]) => [
   ],
 ];
 const more = [atRest, afterAction].map(([a, b]) => a.voluntary - b.voluntary);
+const ofWorkers = atRest[0].ofWorkers + afterAction[0].ofWorkers;
 const ratios = [atRest, afterAction].flatMap(([a, b]) => [a.pss / b.pss, a.dirty / b.dirty]);
 const worst = Math.max(...ratios);
 section(
   "At rest",
   `How often the threads of the companion and of the hello world were woken in ${kSeconds} s, ` +
-    `both at once on one display, and the memory that each has, in kB and beside the hello world's; ` +
-    `after the launch, and after a status refresh. The goals: not one wakeup of our own, and at ` +
-    `most ${kMemoryGoal} times the memory.`,
+    `both at once on one display, and the memory that each has, in kB and beside the hello ` +
+    `world's; after the launch, and after a status refresh. The goals: no wakeup of our own, ` +
+    `and at most ${kMemoryGoal} times the memory.`,
   ["Program", "threads", "voluntary switches", "involuntary", "Pss", "private dirty"],
   [...rows("launched", atRest), ...rows("after an action", afterAction)],
   `Voluntary switches more than the hello world: ${more.join(" and ")}, goal 0: ` +
-    `${metOrNot(more.every((count) => count <= 0))}. Memory: at most ${worst.toFixed(2)} times, ` +
+    `${metOrNot(more.every((count) => count <= 0))}; ${ofWorkers} of the companion's are of ` +
+    `threads other than the main thread. Memory: at most ${worst.toFixed(2)} times, ` +
     `goal ${kMemoryGoal}: ${metOrNot(worst <= kMemoryGoal)}.`,
 );

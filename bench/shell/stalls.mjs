@@ -44,8 +44,8 @@ const worst = Math.max(...[...waits.values()].flatMap(({ action }) => action));
 section(
   "Stalls",
   `The longest that the main thread let a watchdog wait for an answer, in milliseconds: in one ` +
-    `of ${kRounds} runs, typically and at worst, idle and from before an action's start to its end. ` +
-    `The goal is at most ${kGoal} ms.`,
+    `of ${kRounds} runs, typically and at worst, idle and from before an action's start to its ` +
+    `end. The goal is at most ${kGoal} ms.`,
   ["During the action", "idle, median", "idle, worst", "action, median", "action, worst"],
   [...waits].map(([name, { idle, action }]) => [words(name), ...shown(idle), ...shown(action)]),
   `Longest wait during an action: ${typical.toFixed(1)} ms in the median run of the slowest ` +
