@@ -5,12 +5,14 @@ import { spawn } from "node:child_process";
 import fs from "node:fs";
 import path from "node:path";
 import { createInterface } from "node:readline";
+import { shuffled } from "./statistics.mjs";
 
-const kBuild = process.env.VELTRIX_BENCH_BUILD;
-if (!kBuild) throw new Error("start this with scripts/bench");
+/** The build that is measured. */
+export const build = process.env.VELTRIX_BENCH_BUILD;
+if (!build) throw new Error("start this with scripts/bench");
 
-/** A program of the build in which the benches are. */
-export const built = (name) => path.join(kBuild, "bench", `bench-${name}`);
+/** A program of it that measures. */
+export const built = (name) => path.join(build, "bench", `bench-${name}`);
 export const kChild = built("child");
 
 export const quick = process.argv.includes("--quick");
@@ -85,15 +87,6 @@ export class Several {
   of(way) {
     return this.programs.flatMap((program) => program.of(way));
   }
-}
-
-function shuffled(items) {
-  const order = [...items];
-  for (let last = order.length - 1; last > 0; last -= 1) {
-    const other = Math.floor(Math.random() * (last + 1));
-    [order[last], order[other]] = [order[other], order[last]];
-  }
-  return order;
 }
 
 /**

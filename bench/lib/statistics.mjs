@@ -13,6 +13,24 @@ export function quantile(values, share) {
 
 export const median = (values) => quantile(values, 0.5);
 
+/** The median, and between which values the middle half lies. */
+export function spread(values, digits = 1) {
+  const [low, middle, high] = [0.25, 0.5, 0.75].map((share) =>
+    quantile(values, share).toFixed(digits),
+  );
+  return `${middle} (${low} – ${high})`;
+}
+
+/** The same things in an order drawn anew. */
+export function shuffled(items) {
+  const order = [...items];
+  for (let last = order.length - 1; last > 0; last -= 1) {
+    const other = Math.floor(Math.random() * (last + 1));
+    [order[last], order[other]] = [order[other], order[last]];
+  }
+  return order;
+}
+
 const kResamples = 400;
 
 function resampled(values) {

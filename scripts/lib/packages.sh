@@ -32,9 +32,6 @@ xdotool                  # presses keys and buttons
 imagemagick              # photographs the screen
 openssl                  # certificates of the recorder's tests; proves the runtime's hash
 procps                   # ps
-# measuring
-libxcb-damage0-dev       # tells when a window has been painted
-valgrind                 # counts instructions part by part
 # keeping the house in order
 clang-format
 clang-tidy
@@ -58,5 +55,7 @@ libboost-filesystem-dev  # which it needs
 libglib2.0-dev           # GSubprocess
 libuv1-dev               # uv_spawn
 python3                  # subprocess
+libxcb-damage0-dev       # tells when a window has been painted
+valgrind                 # counts instructions part by part
 END
 }

@@ -1,13 +1,14 @@
-// stalls.mjs: see bench/stalls.
+// How long the main thread lets others wait while an action is under way.
 
+import { execFileSync } from "node:child_process";
 import fs from "node:fs";
 import os from "node:os";
 import path from "node:path";
-import { command, metOrNot, prepare, quantile, section } from "./report.mjs";
+import { build, quick } from "./lib/program.mjs";
+import { goal, section, table } from "./lib/report.mjs";
+import { quantile } from "./lib/statistics.mjs";
 
 const kGoal = 16; // milliseconds
-
-const { quick, build } = prepare("veltrix_shell_tests");
 const kRounds = quick ? 3 : 20;
 
 /** Runs the shell's own tests of it; what they wrote down, in milliseconds by test and kind. */
@@ -19,7 +20,8 @@ function longestWaits() {
     const report = path.join(folder, "report.json");
     for (let round = 0; round < kRounds; ++round) {
       const filter = ["--gtest_filter=ResponsivenessTest.*", `--gtest_output=json:${report}`];
-      command("xvfb-run", ["-a", "-s", "-screen 0 1280x960x24 -nolisten tcp", tests, ...filter]);
+      const screen = ["-a", "-s", "-screen 0 1280x960x24 -nolisten tcp"];
+      execFileSync("xvfb-run", [...screen, tests, ...filter], { stdio: "ignore" });
       for (const test of JSON.parse(fs.readFileSync(report, "utf8")).testsuites[0].testsuite) {
         const entry = waits.get(test.name) ?? { idle: [], action: [] };
         for (const kind of ["idle", "action"]) {
@@ -43,11 +45,16 @@ const typical = Math.max(...[...waits.values()].map(({ action }) => quantile(act
 const worst = Math.max(...[...waits.values()].flatMap(({ action }) => action));
 section(
   "Stalls",
-  `The longest that the main thread let a watchdog wait for an answer, in milliseconds: in one ` +
-    `of ${kRounds} runs, typically and at worst, idle and from before an action's start to its ` +
-    `end. The goal is at most ${kGoal} ms.`,
-  ["During the action", "idle, median", "idle, worst", "action, median", "action, worst"],
-  [...waits].map(([name, { idle, action }]) => [words(name), ...shown(idle), ...shown(action)]),
-  `Longest wait during an action: ${typical.toFixed(1)} ms in the median run of the slowest ` +
-    `case, ${worst.toFixed(1)} ms in the worst of all, goal ${kGoal}: ${metOrNot(worst <= kGoal)}.`,
+  `The longest that the main thread let a watchdog wait for an answer, in milliseconds: in one of
+${kRounds} runs, typically and at worst, idle and from before an action's start to its end.`,
+  [
+    table(
+      ["during the action", "idle, median", "idle, worst", "action, median", "action, worst"],
+      [...waits].map(([name, { idle, action }]) => [words(name), ...shown(idle), ...shown(action)]),
+    ),
+  ],
+  [
+    goal(`at most ${kGoal} ms`, `${worst.toFixed(1)} ms in the worst run of all`, worst <= kGoal),
+    goal(`typically, too`, `${typical.toFixed(1)} ms in the median run`, typical <= kGoal),
+  ].join("\n"),
 );

@@ -1,12 +1,13 @@
 // Whose instructions a launch consists of: valgrind counts them one by one up to the moment in
 // which the window is shown, and the linker's map tells from which of our folders each comes.
 
-import { spawn } from "node:child_process";
+import { execFileSync, spawn } from "node:child_process";
 import fs from "node:fs";
 import os from "node:os";
 import path from "node:path";
 import { createInterface } from "node:readline";
-import { command } from "./report.mjs";
+import { kWindows } from "./desktop.mjs";
+import { build } from "./program.mjs";
 
 /** Where the text of each object file of ours begins and ends: [begin, end, isSupplied]. */
 function textOf(map) {
@@ -22,7 +23,8 @@ function textOf(map) {
 }
 
 function addressOfMain(file) {
-  const [, address] = /^([0-9a-f]+) T main$/m.exec(command("nm", [file]));
+  const symbols = execFileSync("nm", [file], { encoding: "utf8" });
+  const [, address] = /^([0-9a-f]+) T main$/m.exec(symbols);
   return parseInt(address, 16);
 }
 
@@ -55,12 +57,12 @@ function readProfile(text, at) {
   }
 }
 
-async function profileOfLaunch({ title, file }, build, env, folder) {
+async function profileOfLaunch({ title, file }, env, folder) {
   const output = path.join(folder, "profile");
   const tool = ["/usr/bin/valgrind", "--tool=callgrind", "--dump-instr=yes", "--compress-pos=no"];
   const pipe = `--vgdb-prefix=${folder}/vgdb-pipe`;
   const args = [title, ...tool, pipe, `--callgrind-out-file=${output}`, file];
-  const watch = spawn(path.join(build, "bench/veltrix_bench_windows"), args, {
+  const watch = spawn(kWindows, args, {
     env: { ...env, TMPDIR: folder },
     stdio: ["pipe", "pipe", "ignore"],
   });
@@ -69,7 +71,7 @@ async function profileOfLaunch({ title, file }, build, env, folder) {
     const [what, value] = line.split(" ");
     if (what === "started") pid = value;
     if (what === "titled") {
-      command("vgdb", [`--pid=${pid}`, pipe, "dump"], { env });
+      execFileSync("vgdb", [`--pid=${pid}`, pipe, "dump"], { env, stdio: "ignore" });
       watch.stdin.end();
     }
   }
@@ -79,10 +81,10 @@ async function profileOfLaunch({ title, file }, build, env, folder) {
 }
 
 /** The shares of the companion and of gnustep/ among all instructions, and their total. */
-export async function countOwnInstructions(program, build, env) {
+export async function countOwnInstructions(program, env) {
   const folder = fs.mkdtempSync(path.join(os.tmpdir(), "veltrix-bench-"));
   try {
-    const profile = await profileOfLaunch(program, build, env, folder);
+    const profile = await profileOfLaunch(program, env, folder);
     const ranges = textOf(fs.readFileSync(path.join(build, "bench/desktop.map"), "utf8"));
     let [total, ours, supplied] = [0, 0, 0];
     const own = [];

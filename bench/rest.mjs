@@ -1,20 +1,19 @@
-// rest.mjs: see bench/rest.
+// How often the companion is woken while nobody uses it, and how much memory it has, beside a
+// hello-world program.
 
 import { spawn } from "node:child_process";
 import fs from "node:fs";
 import path from "node:path";
 import { setTimeout as delay } from "node:timers/promises";
-import { Program } from "../../tests/tour/program.mjs";
-import { isAlive } from "../../tests/tour/processes.mjs";
-import { eventually } from "../../tests/tour/waiting.mjs";
-import { onDisplay, programs } from "./programs.mjs";
-import { metOrNot, prepare, section } from "./report.mjs";
+import { isAlive } from "../tests/tour/processes.mjs";
+import { Program } from "../tests/tour/program.mjs";
+import { eventually } from "../tests/tour/waiting.mjs";
+import { hello, onDisplay, product } from "./lib/desktop.mjs";
+import { build, quick } from "./lib/program.mjs";
+import { goal, section, table } from "./lib/report.mjs";
 
 const kMemoryGoal = 1.15;
 const kCalm = 3000; // milliseconds without a switch: what a launch or an action began is over
-
-const { quick, build } = prepare("veltrix_bench_shell");
-const { product, hello } = programs(build);
 const kSeconds = quick ? 10 : 60;
 
 /** How often each thread gave up the processor, by itself or because it was taken. */
@@ -139,14 +138,22 @@ const ratios = [atRest, afterAction].flatMap(([a, b]) => [a.pss / b.pss, a.dirty
 const worst = Math.max(...ratios);
 section(
   "At rest",
-  `How often the threads of the companion and of the hello world were woken in ${kSeconds} s, ` +
-    `both at once on one display, and the memory that each has, in kB and beside the hello ` +
-    `world's; after the launch, and after a status refresh. The goals: no wakeup of our own, ` +
-    `and at most ${kMemoryGoal} times the memory.`,
-  ["Program", "threads", "voluntary switches", "involuntary", "Pss", "private dirty"],
-  [...rows("launched", atRest), ...rows("after an action", afterAction)],
-  `Voluntary switches more than the hello world: ${more.join(" and ")}, goal 0: ` +
-    `${metOrNot(more.every((count) => count <= 0))}; ${ofWorkers} of the companion's are of ` +
-    `threads other than the main thread. Memory: at most ${worst.toFixed(2)} times, ` +
-    `goal ${kMemoryGoal}: ${metOrNot(worst <= kMemoryGoal)}.`,
+  `How often the threads of the companion and of the hello world were woken in ${kSeconds} s, both at
+once on one display, and the memory that each has, in kB and beside the hello world's; after the
+launch, and after a status refresh.`,
+  [
+    table(
+      ["program", "threads", "voluntary switches", "involuntary", "Pss", "private dirty"],
+      [...rows("launched", atRest), ...rows("after an action", afterAction)],
+    ),
+  ],
+  [
+    goal("no wakeup of a thread of our own", `${ofWorkers}`, ofWorkers === 0),
+    goal(
+      "no voluntary switch more than the hello world",
+      more.join(" and "),
+      more.every((count) => count <= 0),
+    ),
+    goal(`at most ${kMemoryGoal} of its memory`, worst.toFixed(2), worst <= kMemoryGoal),
+  ].join("\n"),
 );
