@@ -1,5 +1,6 @@
-// The library's own pictures of check boxes, title bar buttons and the return key, replaced under
-// their names: it takes them by name whenever it makes such a control.
+// Pictures of check boxes, title bar buttons and menu items in place of the library's own, under
+// their names: it takes them by name whenever it makes such a control. Those of menu items it does
+// not have, and looks for in every folder again and again.
 #include "gnustep/controls/PaintedImage.h"
 #include "gnustep/runtime/Immortal.h"
 #include "gnustep/theme/LightTheme.h"
@@ -12,6 +13,7 @@ namespace {
 
 constexpr CGFloat kBox = 16;
 constexpr NSSize kButtonSize = {kBox, kBox};
+constexpr NSSize kMenuSize = {10, 10};
 // With some air to the right, where the title follows.
 constexpr NSSize kCheckBoxSize = {kBox + 5, kBox};
 
@@ -72,27 +74,49 @@ void paintMiniaturizePressed() {
     paintMiniaturize();
 }
 
-void replaceImage(NSString* name, NSSize size, void (*paint)()) {
-    // A name must be free before another image can bear it.
-    NSImage* const stock = [NSImage imageNamed:name];
-    [stock setName:[name stringByAppendingString:@"_replaced"]];
+void paintSubmenuArrow() {
+    [palette::secondaryText() setStroke];
+    strokeLines({{3, 1.5}, {6.5, 5}, {3, 8.5}}, 1.3);
+}
+
+void paintMenuCheck() {
+    [palette::text() setStroke];
+    strokeLines({{1.5, 4.8}, {4, 2.2}, {8.5, 7.6}}, 1.5);
+}
+
+void paintMenuMixed() {
+    [palette::text() setStroke];
+    strokeLines({{2, 5}, {8, 5}}, 1.5);
+}
+
+// The library's own picture, if there is one, is only read from its file when it is asked for by
+// name, which it usually has not been yet.
+void supplyImage(NSString* name, NSSize size, void (*paint)()) {
     static Immortal<std::vector<RetainPtr<NSImage>>> keptAlive;
     const RetainPtr<NSImage> image = makePaintedImage(size, paint);
-    [image setName:name];
+    if (![image setName:name]) {
+        // A name must be free before another image can bear it.
+        NSImage* const stock = [NSImage imageNamed:name];
+        [stock setName:[name stringByAppendingString:@"_replaced"]];
+        [image setName:name];
+    }
     (*keptAlive).push_back(image);
 }
 
 }  // namespace
 
 void replaceStockImages() {
-    replaceImage(@"GSSwitch", kCheckBoxSize, paintUnchecked);
-    replaceImage(@"GSSwitchSelected", kCheckBoxSize, paintChecked);
-    replaceImage(@"common_Close", kButtonSize, paintClose);
-    replaceImage(@"common_CloseH", kButtonSize, paintClosePressed);
-    replaceImage(@"common_CloseBroken", kButtonSize, paintClose);
-    replaceImage(@"common_CloseBrokenH", kButtonSize, paintClosePressed);
-    replaceImage(@"common_Miniaturize", kButtonSize, paintMiniaturize);
-    replaceImage(@"common_MiniaturizeH", kButtonSize, paintMiniaturizePressed);
+    supplyImage(@"GSSwitch", kCheckBoxSize, paintUnchecked);
+    supplyImage(@"GSSwitchSelected", kCheckBoxSize, paintChecked);
+    supplyImage(@"common_Close", kButtonSize, paintClose);
+    supplyImage(@"common_CloseH", kButtonSize, paintClosePressed);
+    supplyImage(@"common_CloseBroken", kButtonSize, paintClose);
+    supplyImage(@"common_CloseBrokenH", kButtonSize, paintClosePressed);
+    supplyImage(@"common_Miniaturize", kButtonSize, paintMiniaturize);
+    supplyImage(@"common_MiniaturizeH", kButtonSize, paintMiniaturizePressed);
+    supplyImage(@"NSMenuArrow", kMenuSize, paintSubmenuArrow);
+    supplyImage(@"NSMenuCheckmark", kMenuSize, paintMenuCheck);
+    supplyImage(@"NSMenuMixedState", kMenuSize, paintMenuMixed);
 }
 
 }  // namespace veltrix::gnustep
