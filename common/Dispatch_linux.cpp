@@ -1,16 +1,18 @@
 // The dispatcher on Linux: standard-library threads. One worker and one timer thread exist from the
 // start, so that running out of threads later can delay work but never lose it. More workers are
 // started when there is work and nobody idle, a few are kept for the next time, and all of them
-// sleep on condition variables: at rest nothing here ever wakes up. None of them takes signals: a
-// handler of the program's, such as the window system's for a request to end, expects the main
-// thread, and two of them at once on two threads would wait for each other for ever.
+// sleep: at rest nothing here ever wakes up. None of them takes signals: a handler of the program's,
+// such as the window system's for a request to end, expects the main thread, and two of them at
+// once on two threads would wait for each other for ever.
 #include "common/Dispatch.h"
 #include "common/MainQueue_linux.h"
+#include "common/UniqueFd.h"
 
 #include <algorithm>
-#include <atomic>
+#include <cerrno>
 #include <condition_variable>
 #include <csignal>
+#include <cstdint>
 #include <deque>
 #include <mutex>
 #include <system_error>
@@ -19,6 +21,8 @@
 #include <vector>
 
 #include <pthread.h>
+#include <sys/timerfd.h>
+#include <unistd.h>
 
 namespace veltrix {
 namespace {
@@ -41,7 +45,7 @@ void startThread(Run run) {
     std::thread(std::move(run)).detach();
 }
 
-using Clock = std::chrono::steady_clock;
+using Clock = std::chrono::steady_clock;  // which is CLOCK_MONOTONIC
 
 class MainQueue {
   public:
@@ -96,12 +100,6 @@ class WorkerPool {
         startThread([this] { run(); });
     }
 
-    // Called by a worker after each piece of work, when nobody waits for it any more.
-    void setAfterWork(Work afterWork) {
-        const std::lock_guard lock(mutex_);
-        afterWork_ = std::move(afterWork);
-    }
-
     void submit(Work work) {
         {
             const std::lock_guard lock(mutex_);
@@ -144,9 +142,6 @@ class WorkerPool {
             lock.unlock();
             work();
             work = nullptr;  // what it captured goes before the lock is taken again
-            if (afterWork_) {
-                afterWork_();
-            }
             lock.lock();
         }
     }
@@ -155,12 +150,13 @@ class WorkerPool {
     std::condition_variable wake_;
     std::deque<Work> pending_;
     std::size_t idle_ = 0;
-    Work afterWork_;  // constant once there is work
 };
 
 // All delayed work of the process, sorted by due time, and the one thread that waits for the
-// earliest. It sleeps for good while there is none. That a limit is called off it learns only when
-// the worker is done: woken earlier, it would stand in the way of the reply.
+// earliest. What it waits for is a timer of the kernel's (timerfd_create(2)): setting that wakes
+// nobody, where a thread that had to hear of every limit would stand in the way of the script which
+// the limit is for, and again in that of its reply. Throws when there is none to be had, as a
+// missing thread does.
 class Timers {
   public:
     struct Entry {
@@ -168,28 +164,24 @@ class Timers {
         Work work;  // empty once cancelled or handed on; guarded by mutex_
     };
 
-    explicit Timers(WorkerPool& pool) : pool_(pool) {
-        pool_.setAfterWork([this] {
-            if (calledOff_.exchange(false)) {
-                changed_.notify_one();
-            }
-        });
+    explicit Timers(WorkerPool& pool)
+        : pool_(pool), timer_(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC)) {
+        if (!timer_) {
+            throw std::system_error(errno, std::generic_category(), "timerfd_create");
+        }
         startThread([this] { run(); });
     }
 
     std::shared_ptr<Entry> add(std::chrono::milliseconds delay, Work work) {
         auto entry = std::make_shared<Entry>(Entry{Clock::now() + delay, std::move(work)});
-        bool isEarliest = false;
-        {
-            const std::lock_guard lock(mutex_);
-            const auto later = std::upper_bound(
-                entries_.begin(), entries_.end(), entry,
-                [](const auto& left, const auto& right) { return left->due < right->due; });
-            isEarliest = later == entries_.begin();
-            entries_.insert(later, entry);
-        }
+        const std::lock_guard lock(mutex_);
+        const auto later = std::upper_bound(
+            entries_.begin(), entries_.end(), entry,
+            [](const auto& left, const auto& right) { return left->due < right->due; });
+        const bool isEarliest = later == entries_.begin();
+        entries_.insert(later, entry);
         if (isEarliest) {
-            changed_.notify_one();
+            setTimer();
         }
         return entry;
     }
@@ -200,32 +192,46 @@ class Timers {
         released = std::exchange(entry->work, nullptr);
         const auto found = std::find(entries_.begin(), entries_.end(), entry);
         if (found != entries_.end()) {
+            const bool wasEarliest = found == entries_.begin();
             entries_.erase(found);
-            calledOff_ = true;
-        }
-    }
-
-  private:
-    void run() noexcept {
-        std::unique_lock lock(mutex_);
-        for (;;) {
-            if (entries_.empty()) {
-                changed_.wait(lock);
-            } else if (const auto due = entries_.front()->due; Clock::now() < due) {
-                changed_.wait_until(lock, due);
-            } else {
-                Work work = std::exchange(entries_.front()->work, nullptr);
-                entries_.erase(entries_.begin());
-                pool_.submit(std::move(work));
+            if (wasEarliest) {
+                setTimer();
             }
         }
     }
 
+  private:
+    // To the earliest entry; with none it never goes off.
+    void setTimer() {
+        itimerspec setting{};
+        if (!entries_.empty()) {
+            using std::chrono::nanoseconds;
+            using std::chrono::seconds;
+            const nanoseconds due = entries_.front()->due.time_since_epoch();
+            const auto whole = std::chrono::duration_cast<seconds>(due);
+            setting.it_value.tv_sec = whole.count();
+            setting.it_value.tv_nsec = (due - whole).count();
+        }
+        ::timerfd_settime(timer_.get(), TFD_TIMER_ABSTIME, &setting, nullptr);
+    }
+
+    void run() noexcept {
+        for (;;) {
+            std::uint64_t times = 0;
+            static_cast<void>(::read(timer_.get(), &times, sizeof times));
+            const std::lock_guard lock(mutex_);
+            while (!entries_.empty() && entries_.front()->due <= Clock::now()) {
+                pool_.submit(std::exchange(entries_.front()->work, nullptr));
+                entries_.erase(entries_.begin());
+            }
+            setTimer();
+        }
+    }
+
     WorkerPool& pool_;
+    const UniqueFd timer_;
     std::mutex mutex_;
-    std::condition_variable changed_;
     std::vector<std::shared_ptr<Entry>> entries_;
-    std::atomic<bool> calledOff_ = false;  // something was, and the thread may not know
 };
 
 class TimedWork final : public DelayedWork {
