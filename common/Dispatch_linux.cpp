@@ -1,9 +1,9 @@
 // The dispatcher on Linux: standard-library threads. One worker and one timer thread exist from the
 // start, so that running out of threads later can delay work but never lose it. More workers are
 // started when there is work and nobody idle, a few are kept for the next time, and all of them
-// sleep: at rest nothing here ever wakes up. None of them takes signals: a handler of the program's,
-// such as the window system's for a request to end, expects the main thread, and two of them at
-// once on two threads would wait for each other for ever.
+// sleep: at rest nothing here ever wakes up. None of them takes signals: a handler of the
+// program's, such as the window system's for a request to end, expects the main thread, and two of
+// them at once on two threads would wait for each other for ever.
 #include "common/Dispatch.h"
 #include "common/MainQueue_linux.h"
 #include "common/UniqueFd.h"
