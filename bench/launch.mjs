@@ -52,8 +52,8 @@ const milliseconds = (share) => share * median(all(product, "titled"));
 section(
   "Launch",
   `From exec to the settings window on the screen of a virtual display, in milliseconds: the median
-and the middle half of ${kRounds} launches each, in random order. Ratios are to a hello-world program
-built the same way, with their 95 % interval.`,
+and the middle half of ${kRounds} launches each, in random order. Ratios are to a hello-world
+program built the same way, with their 95 % interval.`,
   [
     table(
       ["program", "shown, ms", "painted, ms", "shown, ratio", "painted, ratio"],

@@ -138,8 +138,8 @@ const ratios = [atRest, afterAction].flatMap(([a, b]) => [a.pss / b.pss, a.dirty
 const worst = Math.max(...ratios);
 section(
   "At rest",
-  `How often the threads of the companion and of the hello world were woken in ${kSeconds} s, both at
-once on one display, and the memory that each has, in kB and beside the hello world's; after the
+  `How often the threads of the companion and of the hello world were woken in ${kSeconds} s, both
+at once on one display, and the memory that each has, in kB and beside the hello world's; after the
 launch, and after a status refresh.`,
   [
     table(
