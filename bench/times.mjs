@@ -35,7 +35,7 @@ function build(...options) {
 }
 
 function test() {
-  const options = ["--no-tests=error", "--parallel", `${kProcessors}`];
+  const options = ["--no-tests=error", "--parallel", `${kProcessors + 1}`]; // as scripts/test
   return timed("ctest", "--test-dir", kFolder, ...options);
 }
 

@@ -52,16 +52,18 @@ if(VELTRIX_HOST_NODE)
     OUTPUT_VARIABLE host_node_version OUTPUT_STRIP_TRAILING_WHITESPACE)
 endif()
 if(host_node_version MATCHES "^v([0-9]+)" AND CMAKE_MATCH_1 GREATER_EQUAL 22)
-  set(VELTRIX_HAVE_HOST_NODE TRUE)
   file(GLOB icon_scripts CONFIGURE_DEPENDS app/icon/*.mjs)
-  set(icon_folder "${CMAKE_BINARY_DIR}/icon")
+  if(APPLE)
+    set(icon "${CMAKE_BINARY_DIR}/icon/AppIcon.icns")
+  else()
+    set(icon "${CMAKE_BINARY_DIR}/icon/AppIcon.png")
+  endif()
   add_custom_command(
-    OUTPUT "${icon_folder}/AppIcon.icns" "${icon_folder}/AppIcon.png"
-    COMMAND "${VELTRIX_HOST_NODE}" "${PROJECT_SOURCE_DIR}/app/icon/draw-icon.mjs" "${icon_folder}"
+    OUTPUT "${icon}"
+    COMMAND "${VELTRIX_HOST_NODE}" "${PROJECT_SOURCE_DIR}/app/icon/draw-icon.mjs" "${icon}"
     DEPENDS ${icon_scripts}
     COMMENT "Drawing the icon"
     VERBATIM)
-  set(icon "${icon_folder}/$<IF:$<BOOL:${APPLE}>,AppIcon.icns,AppIcon.png>")
   set(copy_icon COMMAND "${CMAKE_COMMAND}" -E copy_if_different "${icon}" "${resources}")
 else()
   message(STATUS "No Node 22 to run scripts with: the application gets no icon")

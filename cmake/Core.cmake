@@ -32,6 +32,9 @@ add_library(veltrix_core STATIC
   ${platform_sources})
 target_include_directories(veltrix_core PUBLIC "${PROJECT_SOURCE_DIR}")
 target_link_libraries(veltrix_core PUBLIC Threads::Threads PRIVATE veltrix_warnings)
+target_precompile_headers(veltrix_core PRIVATE
+  <algorithm> <array> <chrono> <functional> <map> <memory> <optional> <string> <string_view>
+  <vector>)
 if(APPLE)
   target_link_libraries(veltrix_core PRIVATE veltrix_appkit)
 else()

@@ -1,7 +1,6 @@
 # The shell: everything that touches AppKit, as one OBJECT library that the program and its tests
 # share (an archive would lose what only the Objective-C runtime refers to), and the bundle.
 include_guard(GLOBAL)
-include(cmake/Unity.cmake)
 
 if(NOT APPLE)
   set(shell_on_linux common/MainQueue_linux.mm common/Text.mm)

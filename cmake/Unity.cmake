@@ -1,34 +1,50 @@
-# GCC's Objective-C runtime has every object file describe every protocol that its headers declare:
-# with AppKit's, 23 KB of data a file. On Linux the Objective-C++ files of a folder are therefore
-# compiled as one. (CMake's own unity builds do not know Objective-C++ yet.) On macOS, where the
-# linker merges such descriptions, each file is compiled by itself, which proves that it can be.
+# What many files include is read once: some headers are compiled beforehand, and some files as one.
+#
+# On Linux the Objective-C++ files of a folder of the product are compiled as one, because GCC's
+# Objective-C runtime has every object file describe every protocol that its headers declare, 23 KB
+# of data a file with AppKit's; and so are the tests, some at a time, because their headers are most
+# of what it takes to compile them. (CMake's own unity builds do not know Objective-C++ yet.)
+#
+# On macOS each file is compiled by itself, which proves that it includes what it needs.
 include_guard(GLOBAL)
 
-# veltrix_objcxx_sources(TARGET FILE...): adds the files, in folders below the current one.
+if(APPLE)
+  set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
+endif()
+
+# veltrix_objcxx_sources(TARGET [AT_MOST COUNT] FILE...): adds the files. Those of Objective-C++ in
+# one folder become one, or as many as it takes for none to be of more than COUNT.
 function(veltrix_objcxx_sources target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "AT_MOST" "")
+  set(files ${arg_UNPARSED_ARGUMENTS})
+  target_sources(${target} PRIVATE ${files})
   if(APPLE)
-    target_sources(${target} PRIVATE ${ARGN})
     return()
   endif()
+  list(FILTER files INCLUDE REGEX "[.]mm$")
+  set_property(SOURCE ${files} PROPERTY HEADER_FILE_ONLY TRUE)
   set(folders "")
-  foreach(file IN LISTS ARGN)
+  foreach(file IN LISTS files)
     cmake_path(GET file PARENT_PATH folder)
+    string(PREPEND folder "/")  # or the empty one would not be an element of a list
     list(APPEND folders "${folder}")
-    set_property(SOURCE "${file}" PROPERTY HEADER_FILE_ONLY TRUE)
+    list(APPEND "files of ${folder}" "${file}")
   endforeach()
   list(REMOVE_DUPLICATES folders)
   foreach(folder IN LISTS folders)
-    set(text "// All of ${folder}/, see cmake/Unity.cmake.\n")
-    foreach(file IN LISTS ARGN)
-      cmake_path(GET file PARENT_PATH its_folder)
-      if(its_folder STREQUAL folder)
-        string(APPEND text "#include \"${CMAKE_CURRENT_SOURCE_DIR}/${file}\"\n")
-      endif()
+    list(LENGTH "files of ${folder}" count)
+    if(NOT arg_AT_MOST)
+      set(arg_AT_MOST 1000)
+    endif()
+    math(EXPR last "${count} - 1")
+    foreach(start RANGE 0 ${last} ${arg_AT_MOST})
+      list(SUBLIST "files of ${folder}" ${start} ${arg_AT_MOST} together)
+      list(TRANSFORM together REPLACE "(.+)" "#include \"${CMAKE_CURRENT_SOURCE_DIR}/\\1\"\n")
+      list(JOIN together "" text)
+      string(REGEX REPLACE "[./]+" "-" name "${target}${folder}/${start}")
+      set(unity "${CMAKE_CURRENT_BINARY_DIR}/unity/${name}.mm")
+      file(CONFIGURE OUTPUT "${unity}" CONTENT "// See cmake/Unity.cmake.\n${text}" @ONLY)
+      target_sources(${target} PRIVATE "${unity}")
     endforeach()
-    string(REPLACE "/" "-" name "${folder}")
-    set(unity "${CMAKE_CURRENT_BINARY_DIR}/unity/${target}-${name}.mm")
-    file(CONFIGURE OUTPUT "${unity}" CONTENT "${text}" @ONLY)
-    target_sources(${target} PRIVATE "${unity}")
   endforeach()
-  target_sources(${target} PRIVATE ${ARGN})
 endfunction()

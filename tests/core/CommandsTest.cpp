@@ -17,7 +17,7 @@ namespace {
 constexpr auto kSaved = Precondition::savedSettings;
 constexpr auto kBundle = Precondition::completeBundle;
 
-struct Expected {
+struct ExpectedRule {
     std::string_view word;
     Precondition precondition;
     std::optional<Question> question;
@@ -25,7 +25,7 @@ struct Expected {
     std::string_view scriptWord;
 };
 
-const std::vector<Expected> kExpected{
+const std::vector<ExpectedRule> kRules{
     {"start", kSaved, Question::start, Effect::runService, ""},
     {"stop", kSaved, Question::stop, Effect::runService, ""},
     {"status", kSaved, std::nullopt, Effect::runService, ""},
@@ -41,7 +41,7 @@ const std::vector<Expected> kExpected{
     {"save", kSaved, std::nullopt, Effect::confirmSaved, ""},
 };
 
-void expectRule(const CommandRule& rule, const Expected& expected) {
+void expectRule(const CommandRule& rule, const ExpectedRule& expected) {
     SCOPED_TRACE(std::string(expected.word));
     EXPECT_EQ(rule.word, expected.word);
     EXPECT_EQ(rule.precondition, expected.precondition);
@@ -51,8 +51,8 @@ void expectRule(const CommandRule& rule, const Expected& expected) {
 }
 
 TEST(Commands, AreTheseThirteen) {
-    ASSERT_EQ(commandRules().size(), kExpected.size());
-    for (const Expected& expected : kExpected) {
+    ASSERT_EQ(commandRules().size(), kRules.size());
+    for (const ExpectedRule& expected : kRules) {
         expectRule(commandRule(expected.word), expected);
     }
 }

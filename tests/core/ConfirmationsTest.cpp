@@ -5,7 +5,7 @@
 namespace veltrix {
 namespace {
 
-struct Expected {
+struct Words {
     Question question;
     std::string_view message;
     std::string_view information;
@@ -13,7 +13,7 @@ struct Expected {
     std::string_view proceedButton;
 };
 
-constexpr Expected kExpected[] = {
+constexpr Words kWords[] = {
     {Question::install, "Install DVR for this account?",
      "Bundled runtime and server files will be installed. Existing installations are not "
      "replaced. The service stays stopped. HTTPS proxy and account authorization are separate.",
@@ -36,7 +36,7 @@ constexpr Expected kExpected[] = {
 };
 
 TEST(Confirmations, AskTheseQuestionsInTheseWords) {
-    for (const Expected& expected : kExpected) {
+    for (const Words& expected : kWords) {
         SCOPED_TRACE(expected.message);
         const Confirmation& asked = confirmation(expected.question);
         EXPECT_EQ(asked.message, expected.message);

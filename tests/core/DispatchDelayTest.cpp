@@ -17,15 +17,11 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-Dispatcher& dispatcher() {
-    return systemDispatcher();
-}
-
 TEST(DelayedWork, OnMainRunsThereAndNotBeforeItsTime) {
     const auto start = Clock::now();
     bool ran = false;
     std::thread::id thread;
-    dispatcher().asyncOnMainAfter(20ms, [&] {
+    systemDispatcher().asyncOnMainAfter(20ms, [&] {
         ran = true;
         thread = std::this_thread::get_id();
     });
@@ -38,7 +34,7 @@ TEST(DelayedWork, RunsOnAWorkerAndNotBeforeItsTime) {
     const auto start = Clock::now();
     std::atomic<bool> ran = false;
     std::thread::id thread;
-    const auto handle = dispatcher().afterOnGlobal(20ms, [&] {
+    const auto handle = systemDispatcher().afterOnGlobal(20ms, [&] {
         thread = std::this_thread::get_id();
         ran = true;
     });
@@ -54,7 +50,7 @@ TEST(DelayedWork, RunsOnceEachInWhateverOrderItIsScheduled) {
     std::atomic<int> ran = 0;
     for (int i = 0; i < kCount; ++i) {
         const auto delay = std::chrono::milliseconds((i * 37) % 41);
-        static_cast<void>(dispatcher().afterOnGlobal(delay, [&, delay] {
+        static_cast<void>(systemDispatcher().afterOnGlobal(delay, [&, delay] {
             early += Clock::now() - start < delay ? 1 : 0;
             ++ran;
         }));
@@ -65,8 +61,8 @@ TEST(DelayedWork, RunsOnceEachInWhateverOrderItIsScheduled) {
 
 TEST(DelayedWork, MayBeDueAtOnce) {
     std::atomic<int> ran = 0;
-    static_cast<void>(dispatcher().afterOnGlobal(0ms, [&ran] { ++ran; }));
-    dispatcher().asyncOnMainAfter(0ms, [&ran] { ++ran; });
+    static_cast<void>(systemDispatcher().afterOnGlobal(0ms, [&ran] { ++ran; }));
+    systemDispatcher().asyncOnMainAfter(0ms, [&ran] { ++ran; });
     EXPECT_TRUE(waitFor([&] { return ran == 2; }));
 }
 
@@ -74,13 +70,13 @@ TEST(DelayedWork, IsNotHeldUpByWorkThatIsDueEarlierAndBlocks) {
     std::atomic<bool> open = false;
     std::atomic<bool> blockedDone = false;
     std::atomic<bool> ran = false;
-    static_cast<void>(dispatcher().afterOnGlobal(0ms, [&] {
+    static_cast<void>(systemDispatcher().afterOnGlobal(0ms, [&] {
         while (!open) {
             std::this_thread::yield();
         }
         blockedDone = true;
     }));
-    static_cast<void>(dispatcher().afterOnGlobal(1ms, [&ran] { ran = true; }));
+    static_cast<void>(systemDispatcher().afterOnGlobal(1ms, [&ran] { ran = true; }));
     EXPECT_TRUE(waitFor([&] { return ran.load(); }));
     open = true;
     EXPECT_TRUE(waitFor([&] { return blockedDone.load(); }));
@@ -89,9 +85,9 @@ TEST(DelayedWork, IsNotHeldUpByWorkThatIsDueEarlierAndBlocks) {
 TEST(DelayedWork, DoesNotRunOnceItIsCancelled) {
     std::atomic<bool> cancelledRan = false;
     std::atomic<bool> laterRan = false;
-    const auto cancelled = dispatcher().afterOnGlobal(20ms, [&] { cancelledRan = true; });
+    const auto cancelled = systemDispatcher().afterOnGlobal(20ms, [&] { cancelledRan = true; });
     cancelled->cancel();
-    static_cast<void>(dispatcher().afterOnGlobal(40ms, [&] { laterRan = true; }));
+    static_cast<void>(systemDispatcher().afterOnGlobal(40ms, [&] { laterRan = true; }));
     ASSERT_TRUE(waitFor([&] { return laterRan.load(); }));
     EXPECT_FALSE(cancelledRan);
 }
@@ -102,7 +98,7 @@ TEST(DelayedWork, IsCancelledAloneAmongOthers) {
     std::atomic<int> dropped = 0;
     for (int i = 0; i < 40; ++i) {
         handles.push_back(
-            dispatcher().afterOnGlobal(30ms, [&, i] { ++(i % 2 == 0 ? kept : dropped); }));
+            systemDispatcher().afterOnGlobal(30ms, [&, i] { ++(i % 2 == 0 ? kept : dropped); }));
     }
     for (std::size_t i = 1; i < handles.size(); i += 2) {
         handles[i]->cancel();
@@ -113,7 +109,7 @@ TEST(DelayedWork, IsCancelledAloneAmongOthers) {
 
 TEST(DelayedWork, StillRunsWhenItsHandleIsDropped) {
     std::atomic<bool> ran = false;
-    dispatcher().afterOnGlobal(5ms, [&ran] { ran = true; }).reset();
+    systemDispatcher().afterOnGlobal(5ms, [&ran] { ran = true; }).reset();
     EXPECT_TRUE(waitFor([&] { return ran.load(); }));
 }
 
@@ -121,7 +117,7 @@ TEST(DelayedWork, ReleasesWhatItCapturedSoonAfterItIsCancelled) {
     auto captured = std::make_shared<int>();
     const std::weak_ptr<int> witness = captured;
     const auto handle =
-        dispatcher().afterOnGlobal(200s, [captured = std::move(captured)] { FAIL(); });
+        systemDispatcher().afterOnGlobal(200s, [captured = std::move(captured)] { FAIL(); });
     EXPECT_FALSE(witness.expired());
     handle->cancel();
     EXPECT_TRUE(waitFor([&] { return witness.expired(); }));
@@ -130,7 +126,7 @@ TEST(DelayedWork, ReleasesWhatItCapturedSoonAfterItIsCancelled) {
 TEST(DelayedWork, ReleasesWhatItCapturedAfterItHasRun) {
     auto captured = std::make_shared<int>();
     const std::weak_ptr<int> witness = captured;
-    const auto handle = dispatcher().afterOnGlobal(1ms, [captured = std::move(captured)] {});
+    const auto handle = systemDispatcher().afterOnGlobal(1ms, [captured = std::move(captured)] {});
     EXPECT_TRUE(waitFor([&] { return witness.expired(); }));
 }
 
@@ -138,7 +134,7 @@ TEST(DelayedWork, MayScheduleAndCancelMoreWhileItIsReleased) {
     struct Rescheduler {
         explicit Rescheduler(std::atomic<bool>& flag) : done(flag) {}
         ~Rescheduler() {
-            const auto more = dispatcher().afterOnGlobal(200s, [] {});
+            const auto more = systemDispatcher().afterOnGlobal(200s, [] {});
             more->cancel();
             done = true;
         }
@@ -146,18 +142,18 @@ TEST(DelayedWork, MayScheduleAndCancelMoreWhileItIsReleased) {
     };
     std::atomic<bool> done = false;
     auto captured = std::make_shared<Rescheduler>(done);
-    const auto handle = dispatcher().afterOnGlobal(200s, [captured = std::move(captured)] {});
+    const auto handle = systemDispatcher().afterOnGlobal(200s, [captured = std::move(captured)] {});
     handle->cancel();
     EXPECT_TRUE(waitFor([&] { return done.load(); }));
 }
 
 TEST(DelayedWork, MayBeCancelledTwiceAndAfterItHasRun) {
     std::atomic<int> ran = 0;
-    const auto handle = dispatcher().afterOnGlobal(1ms, [&ran] { ++ran; });
+    const auto handle = systemDispatcher().afterOnGlobal(1ms, [&ran] { ++ran; });
     ASSERT_TRUE(waitFor([&] { return ran == 1; }));
     handle->cancel();
     handle->cancel();
-    const auto unused = dispatcher().afterOnGlobal(200s, [&ran] { ++ran; });
+    const auto unused = systemDispatcher().afterOnGlobal(200s, [&ran] { ++ran; });
     unused->cancel();
     unused->cancel();
     EXPECT_EQ(ran, 1);
@@ -170,7 +166,7 @@ TEST(DelayedWork, MayCancelItself) {
         std::shared_ptr<DelayedWork> handle;
     };
     Shared shared;
-    shared.handle = dispatcher().afterOnGlobal(0ms, [&shared] {
+    shared.handle = systemDispatcher().afterOnGlobal(0ms, [&shared] {
         while (!shared.scheduled) {
             std::this_thread::yield();
         }
@@ -185,7 +181,7 @@ TEST(DelayedWork, IsCancelledWithoutWaitingForItWhileItRuns) {
     std::atomic<bool> inside = false;
     std::atomic<bool> open = false;
     std::atomic<bool> done = false;
-    const auto handle = dispatcher().afterOnGlobal(0ms, [&] {
+    const auto handle = systemDispatcher().afterOnGlobal(0ms, [&] {
         inside = true;
         while (!open) {
             std::this_thread::yield();
@@ -205,8 +201,8 @@ TEST(DelayedWork, MayBeCancelledInTheVeryMomentItFalls) {
     for (int i = 0; i < kRounds; ++i) {
         auto captured = std::make_shared<int>();
         witnesses.emplace_back(captured);
-        const auto handle =
-            dispatcher().afterOnGlobal(0ms, [&ran, captured = std::move(captured)] { ++ran; });
+        const auto handle = systemDispatcher().afterOnGlobal(
+            0ms, [&ran, captured = std::move(captured)] { ++ran; });
         handle->cancel();
     }
     EXPECT_TRUE(waitFor([&] {
@@ -223,8 +219,8 @@ TEST(DelayedWork, MayBeScheduledAndCancelledByManyThreads) {
     for (int thread = 0; thread < kThreads; ++thread) {
         threads.emplace_back([&ran] {
             for (int i = 0; i < 200; ++i) {
-                const auto cancelled = dispatcher().afterOnGlobal(200s, [] { FAIL(); });
-                static_cast<void>(dispatcher().afterOnGlobal(1ms, [&ran] { ++ran; }));
+                const auto cancelled = systemDispatcher().afterOnGlobal(200s, [] { FAIL(); });
+                static_cast<void>(systemDispatcher().afterOnGlobal(1ms, [&ran] { ++ran; }));
                 cancelled->cancel();
             }
         });

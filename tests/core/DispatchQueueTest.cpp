@@ -21,10 +21,6 @@
 namespace veltrix::test {
 namespace {
 
-Dispatcher& dispatcher() {
-    return systemDispatcher();
-}
-
 std::vector<int> upTo(int count) {
     std::vector<int> numbers(static_cast<std::size_t>(count));
     std::iota(numbers.begin(), numbers.end(), 0);
@@ -51,7 +47,7 @@ class Gathering {
 TEST(MainQueue, RunsLaterOnTheMainThread) {
     std::thread::id thread;
     bool ran = false;
-    dispatcher().asyncOnMain([&] {
+    systemDispatcher().asyncOnMain([&] {
         thread = std::this_thread::get_id();
         ran = true;
     });
@@ -63,7 +59,7 @@ TEST(MainQueue, RunsLaterOnTheMainThread) {
 TEST(MainQueue, KeepsTheOrderOfSubmission) {
     std::vector<int> order;
     for (int i = 0; i < 1000; ++i) {
-        dispatcher().asyncOnMain([&order, i] { order.push_back(i); });
+        systemDispatcher().asyncOnMain([&order, i] { order.push_back(i); });
     }
     ASSERT_TRUE(waitFor([&] { return order.size() == 1000; }));
     EXPECT_EQ(order, upTo(1000));
@@ -71,11 +67,11 @@ TEST(MainQueue, KeepsTheOrderOfSubmission) {
 
 TEST(MainQueue, PutsWhatItsOwnWorkSubmitsBehindEverythingElse) {
     std::vector<std::string> order;
-    dispatcher().asyncOnMain([&] {
-        dispatcher().asyncOnMain([&] { order.push_back("inner"); });
+    systemDispatcher().asyncOnMain([&] {
+        systemDispatcher().asyncOnMain([&] { order.push_back("inner"); });
         order.push_back("first");
     });
-    dispatcher().asyncOnMain([&] { order.push_back("second"); });
+    systemDispatcher().asyncOnMain([&] { order.push_back("second"); });
     ASSERT_TRUE(waitFor([&] { return order.size() == 3; }));
     EXPECT_EQ(order, (std::vector<std::string>{"first", "second", "inner"}));
 }
@@ -84,8 +80,8 @@ TEST(MainQueue, IsNotServedInsideItsOwnWork) {
     bool innerRan = false;
     bool innerRanInside = false;
     bool outerDone = false;
-    dispatcher().asyncOnMain([&] {
-        dispatcher().asyncOnMain([&] { innerRan = true; });
+    systemDispatcher().asyncOnMain([&] {
+        systemDispatcher().asyncOnMain([&] { innerRan = true; });
         for (int i = 0; i < 100; ++i) {
             serveMainQueue();
         }
@@ -104,7 +100,7 @@ TEST(MainQueue, TakesWorkFromManyThreadsAndKeepsTheOrderOfEach) {
     for (std::size_t thread = 0; thread < kThreads; ++thread) {
         threads.emplace_back([&order, thread] {
             for (int i = 0; i < kEach; ++i) {
-                dispatcher().asyncOnMain([&order, thread, i] { order[thread].push_back(i); });
+                systemDispatcher().asyncOnMain([&order, thread, i] { order[thread].push_back(i); });
             }
         });
     }
@@ -127,9 +123,9 @@ TEST(MainQueue, ReleasesWhatWorkCapturedOnTheMainThread) {
         std::thread::id& thread;
     };
     std::thread::id released;
-    dispatcher().asyncOnGlobal(QualityOfService::byDefault, [&released] {
+    systemDispatcher().asyncOnGlobal(QualityOfService::byDefault, [&released] {
         auto witness = std::make_shared<Witness>(released);
-        dispatcher().asyncOnMain([witness = std::move(witness)] {});
+        systemDispatcher().asyncOnMain([witness = std::move(witness)] {});
     });
     ASSERT_TRUE(waitFor([&] { return released != std::thread::id(); }));
     EXPECT_EQ(released, std::this_thread::get_id());
@@ -140,7 +136,7 @@ TEST(GlobalQueue, RunsOnAnotherThreadWhateverTheQuality) {
          {QualityOfService::byDefault, QualityOfService::userInitiated}) {
         std::atomic<bool> ran = false;
         std::thread::id thread;
-        dispatcher().asyncOnGlobal(quality, [&] {
+        systemDispatcher().asyncOnGlobal(quality, [&] {
             thread = std::this_thread::get_id();
             ran = true;
         });
@@ -155,10 +151,11 @@ TEST(GlobalQueue, RunsMuchAtOnce) {
     std::atomic<int> together = 0;
     std::atomic<int> done = 0;
     for (int i = 0; i < kAtOnce; ++i) {
-        dispatcher().asyncOnGlobal(QualityOfService::byDefault, [&together, &done, gathering] {
-            together += gathering->arriveAndWait() ? 1 : 0;
-            ++done;
-        });
+        systemDispatcher().asyncOnGlobal(QualityOfService::byDefault,
+                                         [&together, &done, gathering] {
+                                             together += gathering->arriveAndWait() ? 1 : 0;
+                                             ++done;
+                                         });
     }
     ASSERT_TRUE(waitFor([&] { return done == kAtOnce; }));
     EXPECT_EQ(together, kAtOnce);
@@ -172,7 +169,7 @@ TEST(GlobalQueue, TakesWorkFromManyThreads) {
     for (int thread = 0; thread < kThreads; ++thread) {
         threads.emplace_back([&ran] {
             for (int i = 0; i < kEach; ++i) {
-                dispatcher().asyncOnGlobal(QualityOfService::byDefault, [&ran] { ++ran; });
+                systemDispatcher().asyncOnGlobal(QualityOfService::byDefault, [&ran] { ++ran; });
             }
         });
     }
@@ -185,7 +182,7 @@ TEST(GlobalQueue, TakesWorkFromManyThreads) {
 // Two requests to end in a row were handled on two threads at once, which waited for each other.
 TEST(GlobalQueue, LeavesSignalsToTheMainThread) {
     std::atomic<int> takesTermination = -1;
-    dispatcher().asyncOnGlobal(QualityOfService::byDefault, [&] {
+    systemDispatcher().asyncOnGlobal(QualityOfService::byDefault, [&] {
         sigset_t blocked;
         pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
         takesTermination = sigismember(&blocked, SIGTERM) == 0 ? 1 : 0;
@@ -200,17 +197,18 @@ TEST(GlobalQueue, LeavesSignalsToTheMainThread) {
 TEST(GlobalQueue, ReleasesWhatWorkCaptured) {
     auto captured = std::make_shared<int>();
     const std::weak_ptr<int> witness = captured;
-    dispatcher().asyncOnGlobal(QualityOfService::byDefault, [captured = std::move(captured)] {});
+    systemDispatcher().asyncOnGlobal(QualityOfService::byDefault,
+                                     [captured = std::move(captured)] {});
     EXPECT_TRUE(waitFor([&] { return witness.expired(); }));
 }
 
 TEST(SerialQueueContract, KeepsItsLabel) {
-    EXPECT_EQ(dispatcher().makeSerialQueue("veltrix.test")->label(), "veltrix.test");
-    EXPECT_EQ(dispatcher().makeSerialQueue("")->label(), "");
+    EXPECT_EQ(systemDispatcher().makeSerialQueue("veltrix.test")->label(), "veltrix.test");
+    EXPECT_EQ(systemDispatcher().makeSerialQueue("")->label(), "");
 }
 
 TEST(SerialQueueContract, RunsOneAtATimeInOrderOffTheMainThread) {
-    const auto queue = dispatcher().makeSerialQueue("veltrix.test");
+    const auto queue = systemDispatcher().makeSerialQueue("veltrix.test");
     const std::thread::id mainThread = std::this_thread::get_id();
     std::vector<int> order;
     std::atomic<int> inside = 0;
@@ -233,7 +231,7 @@ TEST(SerialQueueContract, RunsOneAtATimeInOrderOffTheMainThread) {
 TEST(SerialQueueContract, LetsLaterWorkSeeWhatEarlierWorkDid) {
     // Plain variables, touched by whatever threads serve the queue: it is all the synchronisation
     // that they need, also across times at which the queue stood empty.
-    const auto queue = dispatcher().makeSerialQueue("veltrix.test");
+    const auto queue = systemDispatcher().makeSerialQueue("veltrix.test");
     int value = 0;
     for (int i = 0; i < 200; ++i) {
         std::atomic<bool> done = false;
@@ -247,8 +245,8 @@ TEST(SerialQueueContract, LetsLaterWorkSeeWhatEarlierWorkDid) {
 }
 
 TEST(SerialQueueContract, IsIndependentOfEveryOtherQueue) {
-    const auto blocked = dispatcher().makeSerialQueue("veltrix.test.blocked");
-    const auto free = dispatcher().makeSerialQueue("veltrix.test.free");
+    const auto blocked = systemDispatcher().makeSerialQueue("veltrix.test.blocked");
+    const auto free = systemDispatcher().makeSerialQueue("veltrix.test.free");
     auto gathering = std::make_shared<Gathering>(2);
     std::atomic<int> together = 0;
     const auto meet = [&together, gathering] { together += gathering->arriveAndWait() ? 1 : 0; };
@@ -258,7 +256,7 @@ TEST(SerialQueueContract, IsIndependentOfEveryOtherQueue) {
 }
 
 TEST(SerialQueueContract, PutsWhatItsOwnWorkSubmitsAtItsEnd) {
-    const auto queue = dispatcher().makeSerialQueue("veltrix.test");
+    const auto queue = systemDispatcher().makeSerialQueue("veltrix.test");
     std::vector<std::string> order;
     std::atomic<bool> done = false;
     Gathering submitted(2);
@@ -280,7 +278,7 @@ TEST(SerialQueueContract, RunsWhatWasSubmittedAlsoWhenItsHandleIsDropped) {
     constexpr int kRounds = 200;
     std::atomic<int> ran = 0;
     for (int i = 0; i < kRounds; ++i) {
-        const auto queue = dispatcher().makeSerialQueue("veltrix.test");
+        const auto queue = systemDispatcher().makeSerialQueue("veltrix.test");
         for (int j = 0; j < 3; ++j) {
             queue->async([&ran] { ++ran; });
         }
@@ -290,7 +288,7 @@ TEST(SerialQueueContract, RunsWhatWasSubmittedAlsoWhenItsHandleIsDropped) {
 
 TEST(SerialQueueContract, MayBeDroppedByItsOwnWork) {
     std::atomic<int> ran = 0;
-    auto queue = dispatcher().makeSerialQueue("veltrix.test");
+    auto queue = systemDispatcher().makeSerialQueue("veltrix.test");
     SerialQueue& handle = *queue;
     Gathering submitted(2);
     handle.async([&, queue = std::move(queue)]() mutable {
@@ -306,7 +304,7 @@ TEST(SerialQueueContract, MayBeDroppedByItsOwnWork) {
 TEST(SerialQueueContract, TakesWorkFromManyThreadsAndKeepsTheOrderOfEach) {
     constexpr int kThreads = 8;
     constexpr int kEach = 500;
-    const auto queue = dispatcher().makeSerialQueue("veltrix.test");
+    const auto queue = systemDispatcher().makeSerialQueue("veltrix.test");
     std::array<std::vector<int>, kThreads> order;
     std::atomic<int> done = 0;
     std::vector<std::thread> threads;
@@ -330,7 +328,7 @@ TEST(SerialQueueContract, TakesWorkFromManyThreadsAndKeepsTheOrderOfEach) {
 }
 
 TEST(SerialQueueContract, ReleasesWhatWorkCapturedBeforeTheNextWorkRuns) {
-    const auto queue = dispatcher().makeSerialQueue("veltrix.test");
+    const auto queue = systemDispatcher().makeSerialQueue("veltrix.test");
     auto captured = std::make_shared<int>();
     const std::weak_ptr<int> witness = captured;
     std::atomic<bool> done = false;

@@ -11,7 +11,7 @@ namespace {
 
 using Row = std::pair<std::string, std::string>;
 
-const std::vector<Row> kExpected{
+const std::vector<Row> kOutcomes{
     {"running", "DVR running and healthy."},
     {"started", "DVR started."},
     {"stopped", "DVR stopped."},
@@ -62,11 +62,11 @@ TEST(Outcomes, AreTheseThirtyInThisOrder) {
     for (const Outcome& outcome : operatorOutcomes()) {
         rows.emplace_back(outcome.code, outcome.sentence);
     }
-    EXPECT_EQ(rows, kExpected);
+    EXPECT_EQ(rows, kOutcomes);
 }
 
 TEST(Outcomes, SayTheSentenceOfTheirCode) {
-    for (const auto& [code, sentence] : kExpected) {
+    for (const auto& [code, sentence] : kOutcomes) {
         EXPECT_EQ(operatorSentence(code), sentence) << code;
     }
 }

@@ -15,7 +15,7 @@ namespace veltrix::test {
 namespace {
 
 constexpr const char* kSettings = "config/settings.json";
-constexpr const char* kOrigin = "https://dvr.example:8443";
+constexpr const char* kStoredOrigin = "https://dvr.example:8443";
 constexpr std::string_view kGoodSettings =
     R"({"DVR_PUBLIC_ORIGIN": "https://dvr.example:8443", "PORT": 3000})";
 
@@ -30,7 +30,7 @@ class PublicOrigin : public ::testing::Test {
 };
 
 TEST_F(PublicOrigin, IsTheStringExactlyAsStored) {
-    EXPECT_EQ(originIn(kGoodSettings), kOrigin);
+    EXPECT_EQ(originIn(kGoodSettings), kStoredOrigin);
     EXPECT_EQ(originIn(R"({"DVR_PUBLIC_ORIGIN":"  not an origin \u00e9\n"})"),
               "  not an origin \u00E9\n");
     EXPECT_EQ(originIn(R"({"DVR_PUBLIC_ORIGIN":""})"), "");
@@ -62,7 +62,7 @@ TEST_F(PublicOrigin, IsEmptyWhenTheSettingsAreNoJsonObject) {
 TEST_F(PublicOrigin, IsReadFrom65536BytesAndNotFromOneMore) {
     std::string settings(kGoodSettings);
     settings.resize(65536, ' ');
-    EXPECT_EQ(originIn(settings), kOrigin);
+    EXPECT_EQ(originIn(settings), kStoredOrigin);
     settings.push_back(' ');
     EXPECT_EQ(originIn(settings), "");
     settings.resize(1'000'000, ' ');
@@ -77,9 +77,9 @@ TEST_F(PublicOrigin, IsEmptyWithoutSettings) {
 
 TEST_F(PublicOrigin, IsLookedForUnderTheHomeAsItIsSpelled) {
     home.write(kSettings, kGoodSettings);
-    EXPECT_EQ(publicOrigin(home.path() + "/"), kOrigin);
-    EXPECT_EQ(publicOrigin(home.path() + "///"), kOrigin);
-    EXPECT_EQ(publicOrigin(home.path() + "/config/.."), kOrigin);
+    EXPECT_EQ(publicOrigin(home.path() + "/"), kStoredOrigin);
+    EXPECT_EQ(publicOrigin(home.path() + "///"), kStoredOrigin);
+    EXPECT_EQ(publicOrigin(home.path() + "/config/.."), kStoredOrigin);
     EXPECT_EQ(publicOrigin(home.path() + " "), "") << "nothing is trimmed";
 }
 
@@ -88,9 +88,9 @@ TEST_F(PublicOrigin, IsFoundThroughSymbolicLinks) {
     home.makeFolder("config");
     std::filesystem::create_symlink(elsewhere.write("real.json", kGoodSettings),
                                     home.path(kSettings));
-    EXPECT_EQ(publicOrigin(home.path()), kOrigin);
+    EXPECT_EQ(publicOrigin(home.path()), kStoredOrigin);
     std::filesystem::create_directory_symlink(home.path(), elsewhere.path("home"));
-    EXPECT_EQ(publicOrigin(elsewhere.path("home")), kOrigin);
+    EXPECT_EQ(publicOrigin(elsewhere.path("home")), kStoredOrigin);
 }
 
 TEST_F(PublicOrigin, IsEmptyWhenALinkLeadsNowhereOrInACircle) {
@@ -128,7 +128,7 @@ TEST_F(PublicOrigin, IsEmptyWhenTheSettingsMayNotBeRead) {
     ASSERT_EQ(::chmod(home.path("config").c_str(), 0755), 0);
     {
         const UnprivilegedUser nobody;
-        ASSERT_EQ(publicOrigin(home.path()), kOrigin);
+        ASSERT_EQ(publicOrigin(home.path()), kStoredOrigin);
     }
     ASSERT_EQ(::chmod(file.c_str(), 0000), 0);
     const UnprivilegedUser nobody;

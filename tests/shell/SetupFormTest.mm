@@ -110,14 +110,14 @@ TEST_F(SetupFormTest, ShowsItsEighteenPartsInOrder) {
     EXPECT_EQ(said(), "DVR stays stopped during setup.");
 }
 
-struct ExpectedControl {
+struct ExpectedPart {
     const char* kind;
     const char* title;
     const char* identifier;
     const char* action;
 };
 
-constexpr ExpectedControl kControls[] = {
+constexpr ExpectedPart kParts[] = {
     {"NSTextField", "Certificate chain (PEM)", "", ""},
     {"NSButton", "Choose...", "cert", "choose:"},
     {"NSTextField", "Private key (PEM)", "", ""},
@@ -137,10 +137,10 @@ constexpr ExpectedControl kControls[] = {
 };
 
 TEST_F(SetupFormTest, LocksSixteenControlsInOrder) {
-    ASSERT_EQ([setup() controls].size(), std::size(kControls));
-    for (std::size_t i = 0; i < std::size(kControls); ++i) {
+    ASSERT_EQ([setup() controls].size(), std::size(kParts));
+    for (std::size_t i = 0; i < std::size(kParts); ++i) {
         NSControl* const control = [setup() controls][i];
-        const ExpectedControl& expected = kControls[i];
+        const ExpectedPart& expected = kParts[i];
         SCOPED_TRACE(std::to_string(i) + " " + expected.title);
         EXPECT_TRUE((bool)[control isKindOfClass:NSClassFromString(toNSString(expected.kind))]);
         EXPECT_EQ([control window], panel());

@@ -36,8 +36,8 @@ export class Display {
   click({ x, y, width, height }) {
     const at = [x + width / 2, y + height / 2].map((value) => String(Math.round(value)));
     // A press and a release in the same instant would be lost on a button.
-    const press = ["mousedown", "1", "sleep", "0.05", "mouseup", "1"];
-    this.#xdotool(["mousemove", ...at, "sleep", "0.05", ...press]);
+    const press = ["mousedown", "1", "sleep", "0.02", "mouseup", "1"];
+    this.#xdotool(["mousemove", ...at, "sleep", "0.02", ...press]);
   }
 
   /** Clicks twice, as fast as a hand can. */

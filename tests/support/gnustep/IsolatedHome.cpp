@@ -16,10 +16,6 @@ IsolatedHome::IsolatedHome() {
     const std::string runtime = folder_.makeFolder("run");
     std::filesystem::permissions(runtime, std::filesystem::perms::owner_all);
     setenv("XDG_RUNTIME_DIR", runtime.c_str(), 1);
-    // GNUstep's daemons, the pasteboard's among them, are found through the temporary folder. One
-    // that another program shares dies with that program's display, and takes this one's calls
-    // along.
-    setenv("TEMP", folder_.makeFolder("tmp").c_str(), 1);
 }
 
 }  // namespace veltrix::test

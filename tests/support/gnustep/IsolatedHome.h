@@ -1,6 +1,6 @@
 // A home of the test program's own: its user defaults, library folder and runtime folder lie in a
-// temporary folder, and it shares no daemon with another program. To be made before the first use
-// of Foundation, which looks at these once.
+// temporary folder. To be made before the first use of Foundation, which looks at these once. (For
+// the temporary folder of GNUstep itself main() is too late: see on-a-display.)
 #pragma once
 
 #include "support/TempFolder.h"
