@@ -1,7 +1,7 @@
 #include "common/Environment.h"
 
 #include <algorithm>
-#include <set>
+#include <utility>
 
 extern "C" char** environ;  // NOLINT(readability-redundant-declaration): POSIX declares it nowhere
 
@@ -20,6 +20,13 @@ bool isListed(std::string_view name, std::span<const std::string_view> allowlist
     });
 }
 
+// `name` includes its "=".
+bool hasName(const std::vector<std::string>& entries, std::string_view name) {
+    return std::any_of(entries.begin(), entries.end(), [name](const std::string& entry) {
+        return std::string_view(entry).starts_with(name);
+    });
+}
+
 }  // namespace
 
 std::vector<std::string> processEnvironment() {
@@ -30,18 +37,17 @@ std::vector<std::string> processEnvironment() {
     return entries;
 }
 
-std::vector<std::string> filterEnvironment(const std::vector<std::string>& entries,
+std::vector<std::string> filterEnvironment(std::vector<std::string> entries,
                                            std::span<const std::string_view> allowlist) {
     std::vector<std::string> kept;
-    std::set<std::string_view> seen;
-    for (const std::string& entry : entries) {
+    for (std::string& entry : entries) {
         const std::size_t end = entry.find('=');
         if (end == std::string::npos) {
             continue;
         }
-        const std::string_view name = std::string_view(entry).substr(0, end);
-        if (isListed(name, allowlist) && seen.insert(name).second) {
-            kept.push_back(entry);
+        const std::string_view text = entry;
+        if (isListed(text.substr(0, end), allowlist) && !hasName(kept, text.substr(0, end + 1))) {
+            kept.push_back(std::move(entry));
         }
     }
     return kept;

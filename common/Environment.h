@@ -17,7 +17,6 @@ namespace veltrix {
 // entries with the very same name the first stays, as getenv(3) would answer; an entry without a
 // name or without "=" is dropped.
 [[nodiscard]] std::vector<std::string>
-filterEnvironment(const std::vector<std::string>& entries,
-                  std::span<const std::string_view> allowlist);
+filterEnvironment(std::vector<std::string> entries, std::span<const std::string_view> allowlist);
 
 }  // namespace veltrix

@@ -10,21 +10,30 @@
 
 namespace veltrix {
 
+namespace {
+
+std::shared_ptr<ChildProcess> launch(const ActionJob& job, std::vector<std::string> environment,
+                                     const Pipe& input, const Pipe& output) {
+    const ChildCommand command{job.executable, job.arguments,
+                               filterEnvironment(std::move(environment), kOperatorEnvironment)};
+    return ChildProcess::launch(command, input.readEnd.get(), output.writeEnd.get());
+}
+
+}  // namespace
+
 Reply incompleteReply() {
     return Reply{{"ok", Json(false)}, {"code", Json(std::string(kActionIncomplete))}};
 }
 
-Reply runActionJob(const ActionJob& job, const std::vector<std::string>& environment,
+Reply runActionJob(const ActionJob& job, std::vector<std::string> environment,
                    Dispatcher& dispatcher) {
     std::optional<Pipe> input = makePipe();
     std::optional<Pipe> output = makePipe();
     if (!input || !output) {
         return incompleteReply();
     }
-    const ChildCommand command{job.executable, job.arguments,
-                               filterEnvironment(environment, kOperatorEnvironment)};
     const std::shared_ptr<ChildProcess> child =
-        ChildProcess::launch(command, input->readEnd.get(), output->writeEnd.get());
+        launch(job, std::move(environment), *input, *output);
     // Our copies of the child's ends: held open, they would keep the end of output from arriving
     // and a write to a script that is gone from failing.
     input->readEnd.reset();
@@ -41,11 +50,12 @@ Reply runActionJob(const ActionJob& job, const std::vector<std::string>& environ
     const std::shared_ptr<DelayedWork> watchdog =
         dispatcher.afterOnGlobal(kActionLimit, [child] { child->terminate(); });
     const std::string text = drain(output->readEnd.get(), kReplyLimit + 1);
-    child->waitUntilExit();
+    // Read while the system takes apart what has said everything.
     std::optional<Reply> reply;
     if (text.size() <= kReplyLimit) {
         reply = parseJsonObject(text);
     }
+    child->waitUntilExit();
     watchdog->cancel();
     return reply ? std::move(*reply) : incompleteReply();
 }

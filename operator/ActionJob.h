@@ -47,7 +47,7 @@ struct ActionJob {
 // Runs the script under the filtered environment, with its standard error discarded, and returns
 // its reply. Blocks until the script has ended its output and exited, so it belongs on a worker.
 // After kActionLimit the script is asked to end, once; one that ignores that keeps this waiting.
-[[nodiscard]] Reply runActionJob(const ActionJob& job, const std::vector<std::string>& environment,
+[[nodiscard]] Reply runActionJob(const ActionJob& job, std::vector<std::string> environment,
                                  Dispatcher& dispatcher);
 
 }  // namespace veltrix

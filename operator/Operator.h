@@ -22,7 +22,7 @@ struct OperatorServices {
     Dispatcher& dispatcher;
     std::function<std::string()> resourceFolder;
     std::function<std::vector<std::string>()> environment;
-    std::function<Reply(const ActionJob&, const std::vector<std::string>&, Dispatcher&)> run =
+    std::function<Reply(const ActionJob&, std::vector<std::string>, Dispatcher&)> run =
         runActionJob;
 };
 
