@@ -17,8 +17,8 @@ veltrix::RetainPtr<DesktopApp> desktopApp;
 int main() {
     @autoreleasepool {
         veltrix::ignoreBrokenPipes();
-        veltrix::attachMainQueueToRunLoop();
         application = [NSApplication sharedApplication];
+        veltrix::attachMainQueueToRunLoop();  // no threads before: a process of one starts faster
         desktopApp = veltrix::adoptNS([[DesktopApp alloc] init]);
         [application setDelegate:desktopApp];
         [application run];

@@ -121,6 +121,7 @@ void layOutTreeOf(NSView* view) {
     if (layingOut)
         return;
     layingOut = true;
+    const MeasuringOnce measuring;
     NSView* const top = topOf(view);
     std::erase_if(scheduled(), [top](NSView* waiting) { return topOf(waiting) == top; });
     for (int round = 0; round < kMostRounds; ++round) {

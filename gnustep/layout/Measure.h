@@ -16,6 +16,16 @@ CGFloat preferredWidth(NSView* view, CGFloat available);
 // The height that the rules give the view or else its content needs at that width.
 CGFloat heightAtWidth(NSView* view, CGFloat width);
 
+// While one of these exists, what a view's content wants is measured once: text is slow to measure,
+// and a layout asks for the same sizes again and again without changing them.
+class MeasuringOnce {
+  public:
+    MeasuringOnce();
+    ~MeasuringOnce();
+    MeasuringOnce(const MeasuringOnce&) = delete;
+    MeasuringOnce& operator=(const MeasuringOnce&) = delete;
+};
+
 // Whether the view is laid out by rules, not by its frame and autoresizing mask.
 bool isLaidOutByRules(NSView* view);
 

@@ -1,14 +1,39 @@
 #include "gnustep/layout/Measure.h"
 
+#include "common/RetainPtr.h"
 #include "gnustep/layout/LayoutRules.h"
 #include "gnustep/layout/StackArrangement.h"
 #include "gnustep/runtime/Immortal.h"
 
 #include <algorithm>
 #include <cmath>
+#include <map>
+#include <optional>
 
 namespace veltrix::gnustep {
 namespace {
+
+struct Measured {
+    RetainPtr<NSView> view;  // so that no other comes to lie where it was
+    NSSize size;
+};
+using MeasuredViews = std::map<NSView*, Measured>;
+std::optional<MeasuredViews>& measuredViews() {
+    static Immortal<std::optional<MeasuredViews>> all;
+    return *all;
+}
+
+NSSize sizeOfContent(NSView* view) {
+    std::optional<MeasuredViews>& measured = measuredViews();
+    if (!measured)
+        return [view intrinsicContentSize];
+    const auto found = measured->find(view);
+    if (found != measured->end())
+        return found->second.size;
+    const NSSize size = [view intrinsicContentSize];
+    measured->insert({view, {retainPtr(view), size}});
+    return size;
+}
 
 // While a height is asked for at some width, views inside may follow that width, which the view
 // does not have yet.
@@ -82,7 +107,7 @@ CGFloat largestPinnedChild(NSView* view, NSLayoutAttribute near, NSLayoutAttribu
 CGFloat contentWidth(NSView* view) {
     if ([view isKindOfClass:[NSStackView class]])
         return naturalStackWidth(static_cast<NSStackView*>(view));
-    if (const CGFloat own = [view intrinsicContentSize].width; own != NSViewNoIntrinsicMetric)
+    if (const CGFloat own = sizeOfContent(view).width; own != NSViewNoIntrinsicMetric)
         return own;
     const CGFloat children = largestPinnedChild(
         view, NSLayoutAttributeLeading, NSLayoutAttributeTrailing,
@@ -97,7 +122,7 @@ CGFloat contentHeight(NSView* view, CGFloat width) {
         return stackHeightAtWidth(static_cast<NSStackView*>(view), width);
     if (const CGFloat own = [view contentHeightAtWidth:width]; own != NSViewNoIntrinsicMetric)
         return own;
-    if (const CGFloat own = [view intrinsicContentSize].height; own != NSViewNoIntrinsicMetric)
+    if (const CGFloat own = sizeOfContent(view).height; own != NSViewNoIntrinsicMetric)
         return own;
     const CGFloat children = largestPinnedChild(
         view, NSLayoutAttributeTop, NSLayoutAttributeBottom, [width](NSView* child, CGFloat) {
@@ -111,6 +136,14 @@ CGFloat contentHeight(NSView* view, CGFloat width) {
 }
 
 }  // namespace
+
+MeasuringOnce::MeasuringOnce() {
+    measuredViews().emplace();
+}
+
+MeasuringOnce::~MeasuringOnce() {
+    measuredViews().reset();
+}
 
 CGFloat preferredWidth(NSView* view, CGFloat available) {
     return sizeUnderRules(view, NSLayoutAttributeWidth, [view, available] {

@@ -13,6 +13,7 @@ void installStatusStrip();
 void installFieldLook();
 void installOpenPanelLook();
 void installActivationPolicy();
+void installHiddenMenus();
 void installEventLoopFixes();
 void installQuietNotificationCenter();
 

@@ -26,6 +26,7 @@ id sharedApplication(id self, SEL command) {
         installFieldLook();
         installOpenPanelLook();
         installActivationPolicy();
+        installHiddenMenus();
         installEventLoopFixes();
         installQuietNotificationCenter();
         const id application = originalSharedApplication(self, command);

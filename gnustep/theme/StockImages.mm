@@ -89,8 +89,12 @@ void paintMenuMixed() {
     strokeLines({{2, 5}, {8, 5}}, 1.5);
 }
 
-// The library's own picture, if there is one, is only read from its file when it is asked for by
-// name, which it usually has not been yet.
+// Our scrollers have neither arrows nor a dimple, but the library prepares these all the same.
+void paintNothing() {}
+
+// `name` is the one that the library looks for after its own aliases, NSMenuArrow's for instance,
+// have been followed. The library's own picture, if there is one, is only read from its file when
+// it is asked for by name, which it usually has not been yet.
 void supplyImage(NSString* name, NSSize size, void (*paint)()) {
     static Immortal<std::vector<RetainPtr<NSImage>>> keptAlive;
     const RetainPtr<NSImage> image = makePaintedImage(size, paint);
@@ -114,9 +118,16 @@ void replaceStockImages() {
     supplyImage(@"common_CloseBrokenH", kButtonSize, paintClosePressed);
     supplyImage(@"common_Miniaturize", kButtonSize, paintMiniaturize);
     supplyImage(@"common_MiniaturizeH", kButtonSize, paintMiniaturizePressed);
-    supplyImage(@"NSMenuArrow", kMenuSize, paintSubmenuArrow);
-    supplyImage(@"NSMenuCheckmark", kMenuSize, paintMenuCheck);
-    supplyImage(@"NSMenuMixedState", kMenuSize, paintMenuMixed);
+    supplyImage(@"GSMenuArrow", kMenuSize, paintSubmenuArrow);
+    supplyImage(@"GSMenuSelected", kMenuSize, paintMenuCheck);
+    supplyImage(@"GSMenuMixed", kMenuSize, paintMenuMixed);
+    for (NSString* arrow in @[ @"Up", @"Down", @"Left", @"Right" ]) {
+        NSString* const name = [@"common_Arrow" stringByAppendingString:arrow];
+        supplyImage(name, kButtonSize, paintNothing);
+        supplyImage([name stringByAppendingString:@"H"], kButtonSize, paintNothing);
+    }
+    supplyImage(@"common_Dimple", kButtonSize, paintNothing);
+    supplyImage(@"common_DimpleHoriz", kButtonSize, paintNothing);
 }
 
 }  // namespace veltrix::gnustep

@@ -29,6 +29,29 @@ static int flippedViews = 0;
 }
 @end
 
+// Counts how often it is asked for its size.
+@interface AskedView : NSView {
+    NSSize _wanted;
+    int _asked;
+}
+- (void)want:(NSSize)size;
+- (int)asked;
+@end
+
+@implementation AskedView
+- (void)want:(NSSize)size {
+    _wanted = size;
+    [self invalidateIntrinsicContentSize];
+}
+- (int)asked {
+    return _asked;
+}
+- (NSSize)intrinsicContentSize {
+    ++_asked;
+    return _wanted;
+}
+@end
+
 namespace {
 
 // A form in a scroll view in a window, as long windows of settings are made.
@@ -150,6 +173,20 @@ TEST_F(LayoutTest, ALabelBecomesWiderWithItsText) {
     [label setStringValue:@"A much longer label"];
     EXPECT_TRUE((bool)[form needsLayout]);
     EXPECT_TRUE(pumpUntil([&] { return NSWidth([label frame]) > before; }));
+}
+
+TEST_F(LayoutTest, AsksAViewForItsSizeOncePerLayout) {
+    const RetainPtr<AskedView> view = adoptNS([[AskedView alloc] initWithFrame:NSZeroRect]);
+    [view setTranslatesAutoresizingMaskIntoConstraints:NO];
+    [view want:NSMakeSize(30, 20)];
+    [form addArrangedSubview:view];
+    layOut();
+    EXPECT_TRUE(NSEqualSizes([view frame].size, NSMakeSize(30, 20)));
+    EXPECT_EQ([view asked], 1);
+    [view want:NSMakeSize(50, 40)];
+    layOut();
+    EXPECT_TRUE(NSEqualSizes([view frame].size, NSMakeSize(50, 40)));
+    EXPECT_EQ([view asked], 2);
 }
 
 TEST_F(LayoutTest, IsDoneBeforeAWindowIsSeen) {

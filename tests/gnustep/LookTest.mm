@@ -34,6 +34,33 @@ TEST(Look, DefaultButtonsBearNoReturnArrow) {
     EXPECT_FALSE([button image]);
 }
 
+// What is found by name is not read from a file of the library's.
+TEST(Look, PicturesOfMenusAndScrollersAreSupplied) {
+    for (NSString* name in @[
+             @"NSMenuArrow", @"NSMenuCheckmark", @"NSMenuMixedState", @"common_ArrowUp",
+             @"common_ArrowRightH", @"common_Dimple", @"common_Close"
+         ]) {
+        NSArray* const representations = [[NSImage imageNamed:name] representations];
+        EXPECT_TRUE([representations count] == 1 &&
+                    [NSStringFromClass([[representations objectAtIndex:0] class])
+                        isEqualToString:@"VeltrixPaintedRep"])
+            << [name UTF8String];
+    }
+}
+
+TEST(Look, AnItemThatChangesWhileItsMenuIsHiddenIsThereWhenItIsShown) {
+    const RetainPtr<NSMenu> menu = adoptNS([[NSMenu alloc] initWithTitle:@""]);
+    const RetainPtr<NSMenuView> view = adoptNS([[NSMenuView alloc] initWithFrame:NSZeroRect]);
+    [view setMenu:menu];
+    [menu addItemWithTitle:@"Short" action:nullptr keyEquivalent:@""];
+    [view sizeToFit];
+    const CGFloat before = NSWidth([view frame]);
+    [view setNeedsDisplay:NO];
+    [[menu itemAtIndex:0] setTitle:@"Something much longer"];
+    EXPECT_TRUE((bool)[view needsDisplay]);
+    EXPECT_GT(NSWidth([view rectOfItemAtIndex:0]), before);
+}
+
 TEST(Look, ShowingAWindowWritesNothingToStandardError) {
     ::testing::internal::CaptureStderr();
     const RetainPtr<NSWindow> window = adoptNS([[NSWindow alloc]
