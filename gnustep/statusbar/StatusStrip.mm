@@ -70,10 +70,15 @@ NSPanel* strip() {
     return *panel;
 }
 
-void keepOtherWindowsAway(NSPanel* panel, NSRect screen) {
+// The display keeps what it was told, and to tell it takes a connection of its own.
+void keepOtherWindowsAway(NSPanel* panel, CGFloat screenWidth) {
+    static CGFloat told = 0;
+    if (told == screenWidth)
+        return;
+    told = screenWidth;
     reserveTopOfScreen(windowOnDisplay(panel),
                        static_cast<std::uint32_t>(kStatusBarThickness + 2 * kMargin),
-                       static_cast<std::uint32_t>(NSWidth(screen)));
+                       static_cast<std::uint32_t>(screenWidth));
 }
 
 }  // namespace
@@ -99,8 +104,9 @@ void layOutStatusStrip() {
         [button setFrame:NSMakeRect(right, 0, own, kStatusBarThickness)];
     }
     [panel display];
-    [panel orderFrontRegardless];
-    keepOtherWindowsAway(panel, screen);
+    if (![panel isVisible])
+        [panel orderFrontRegardless];
+    keepOtherWindowsAway(panel, NSWidth(screen));
 }
 
 // Without a window manager nobody keeps windows in the order of their levels.
