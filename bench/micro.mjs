@@ -11,7 +11,7 @@ const kTogetherGoal = 0.1;
 // The steps that every action takes once.
 const kOfAnAction = [
   "parse a reply of 40 bytes",
-  "filter 312 variables",
+  "copy and filter 312 variables",
   "look up the last outcome",
 ];
 

@@ -50,6 +50,7 @@ Reply runActionJob(const ActionJob& job, std::vector<std::string> environment,
     const std::shared_ptr<DelayedWork> watchdog =
         dispatcher.afterOnGlobal(kActionLimit, [child] { child->terminate(); });
     const std::string text = drain(output->readEnd.get(), kReplyLimit + 1);
+    output->readEnd.reset();
     // Read while the system takes apart what has said everything.
     std::optional<Reply> reply;
     if (text.size() <= kReplyLimit) {
