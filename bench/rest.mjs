@@ -7,6 +7,7 @@ import path from "node:path";
 import { setTimeout as delay } from "node:timers/promises";
 import { isAlive } from "../tests/tour/processes.mjs";
 import { Program } from "../tests/tour/program.mjs";
+import { Scratch } from "../tests/tour/scratch.mjs";
 import { eventually } from "../tests/tour/waiting.mjs";
 import { hello, onDisplay, product } from "./lib/desktop.mjs";
 import { build, quick } from "./lib/program.mjs";
@@ -103,12 +104,18 @@ async function refreshStatus(pid, frame, display) {
 
 async function run(env, display, scratch) {
   const frame = await placeOfButton(env, display, scratch);
-  // The hello world first: the companion's window is to lie on top, where it can be clicked.
-  const baseline = await start(hello, env, display);
-  const companion = await start(product, env, display);
-  const atRest = await measure([companion, baseline]);
-  await refreshStatus(companion, frame, display);
-  return { atRest, afterAction: await measure([companion, baseline]) };
+  // In one home they would wait for each other: GNUstep locks the defaults twice a minute.
+  const home = new Scratch();
+  try {
+    // The hello world first: the companion's window is to lie on top, where it can be clicked.
+    const baseline = await start(hello, home.environment(display), display);
+    const companion = await start(product, env, display);
+    const atRest = await measure([companion, baseline]);
+    await refreshStatus(companion, frame, display);
+    return { atRest, afterAction: await measure([companion, baseline]) };
+  } finally {
+    await home.remove();
+  }
 }
 
 const { atRest, afterAction } = await onDisplay(run);
