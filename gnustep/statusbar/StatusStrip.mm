@@ -70,15 +70,10 @@ NSPanel* strip() {
     return *panel;
 }
 
-// The display keeps what it was told, and to tell it takes a connection of its own.
-void keepOtherWindowsAway(NSPanel* panel, CGFloat screenWidth) {
-    static CGFloat told = 0;
-    if (told == screenWidth)
-        return;
-    told = screenWidth;
+void keepOtherWindowsAway(NSPanel* panel, NSRect screen) {
     reserveTopOfScreen(windowOnDisplay(panel),
                        static_cast<std::uint32_t>(kStatusBarThickness + 2 * kMargin),
-                       static_cast<std::uint32_t>(screenWidth));
+                       static_cast<std::uint32_t>(NSWidth(screen)));
 }
 
 }  // namespace
@@ -93,10 +88,11 @@ void layOutStatusStrip() {
     for (const auto& button : buttons())
         width += [button widthInBarOfThickness:kStatusBarThickness];
     const NSRect screen = [[NSScreen mainScreen] frame];
-    [panel setFrame:NSMakeRect(NSMaxX(screen) - width - kMargin,
-                               NSMaxY(screen) - kStatusBarThickness - kMargin, width,
-                               kStatusBarThickness)
-            display:NO];
+    const NSRect place =
+        NSMakeRect(NSMaxX(screen) - width - kMargin, NSMaxY(screen) - kStatusBarThickness - kMargin,
+                   width, kStatusBarThickness);
+    const bool isThere = [panel isVisible] && NSEqualRects([panel frame], place);
+    [panel setFrame:place display:NO];
     CGFloat right = width;
     for (const auto& button : buttons()) {
         const CGFloat own = [button widthInBarOfThickness:kStatusBarThickness];
@@ -104,9 +100,10 @@ void layOutStatusStrip() {
         [button setFrame:NSMakeRect(right, 0, own, kStatusBarThickness)];
     }
     [panel display];
-    if (![panel isVisible])
-        [panel orderFrontRegardless];
-    keepOtherWindowsAway(panel, NSWidth(screen));
+    if (isThere)
+        return;
+    [panel orderFrontRegardless];
+    keepOtherWindowsAway(panel, screen);
 }
 
 // Without a window manager nobody keeps windows in the order of their levels.

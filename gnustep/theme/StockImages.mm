@@ -1,6 +1,6 @@
-// Pictures of check boxes, title bar buttons and menu items in place of the library's own, under
-// their names: it takes them by name whenever it makes such a control. Those of menu items it does
-// not have, and looks for in every folder again and again.
+// Pictures of check boxes, title bar buttons, menu items and scrollers in place of the library's
+// own, under their names: it takes them by name whenever it makes such a control. Those of menu
+// items it does not have, and looks for in every folder again and again.
 #include "gnustep/controls/PaintedImage.h"
 #include "gnustep/runtime/Immortal.h"
 #include "gnustep/theme/LightTheme.h"

@@ -25,7 +25,7 @@ endif()
 
 function(veltrix_add_appkit_tests target parts)
   add_executable(${target})
-  veltrix_objcxx_sources(${target} AT_MOST 7 ${ARGN})
+  veltrix_objcxx_sources(${target} AT_MOST "${CMAKE_UNITY_BUILD_BATCH_SIZE}" ${ARGN})
   target_link_libraries(${target} PRIVATE veltrix_appkit_driver veltrix_warnings)
   target_precompile_headers(${target} REUSE_FROM veltrix_appkit_driver)
   if(APPLE)
